@@ -1,0 +1,91 @@
+#include "ut/utString.h"
+
+#include <cstring>
+#include <utility>
+
+namespace {
+
+char* duplicate(const char* s, size_t len) {
+    char* p = new char[len + 1];
+    std::memcpy(p, s, len + 1);
+    return p;
+}
+
+} // namespace
+
+utString::utString() noexcept : m_str(nullptr), m_len(0), m_owned(false) {}
+
+utString::utString(const char* s) : utString(utCOPY, s) {}
+
+utString::utString(utCopy, const char* s) : utString() {
+    if (s) {
+        m_len = std::strlen(s);
+        m_str = duplicate(s, m_len);
+        m_owned = true;
+    }
+}
+
+utString::utString(utStringLit, const char* s) noexcept
+    : m_str(s), m_len(s ? std::strlen(s) : 0), m_owned(false) {}
+
+utString::utString(utPtrClaim, char* s) noexcept
+    : m_str(s), m_len(s ? std::strlen(s) : 0), m_owned(s != nullptr) {}
+
+utString::utString(const utString& o) : utString() {
+    if (o.m_owned) {
+        m_str = duplicate(o.m_str, o.m_len);
+        m_owned = true;
+    } else {
+        m_str = o.m_str;
+    }
+    m_len = o.m_len;
+}
+
+utString::utString(utDeepCopy, const utString& o) : utString() {
+    if (o.m_str) {
+        m_str = duplicate(o.m_str, o.m_len);
+        m_len = o.m_len;
+        m_owned = true;
+    }
+}
+
+utString::utString(utString&& o) noexcept : utString() { swap(o); }
+
+utString& utString::operator=(const utString& o) {
+    utString tmp(o);
+    swap(tmp);
+    return *this;
+}
+
+utString& utString::operator=(utString&& o) noexcept {
+    utString tmp(std::move(o));
+    swap(tmp);
+    return *this;
+}
+
+utString::~utString() {
+    if (m_owned)
+        delete[] m_str;
+}
+
+const char* utString::c_str() const noexcept { return m_str; }
+
+size_t utString::length() const noexcept { return m_len; }
+
+bool utString::is_null() const noexcept { return m_str == nullptr; }
+
+bool utString::empty() const noexcept { return m_len == 0; }
+
+void utString::swap(utString& o) noexcept {
+    std::swap(m_str, o.m_str);
+    std::swap(m_len, o.m_len);
+    std::swap(m_owned, o.m_owned);
+}
+
+bool operator==(const utString& a, const utString& b) noexcept {
+    if (a.is_null() || b.is_null())
+        return a.is_null() && b.is_null();
+    return a.length() == b.length() && std::memcmp(a.c_str(), b.c_str(), a.length()) == 0;
+}
+
+bool operator!=(const utString& a, const utString& b) noexcept { return !(a == b); }

@@ -1,0 +1,52 @@
+#include "ut/utAssert.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace {
+
+using testing::internal::CaptureStderr;
+using testing::internal::GetCapturedStderr;
+
+TEST(utAssert, ReportFormat) {
+    struct Case {
+        const char* file;
+        int line;
+        const char* function;
+        const char* expression;
+        const char* message;
+        const char* expected;
+    };
+    const Case cases[] = {
+        {"a.cpp", 12, "f", "x > 0", "bad x", "a.cpp(12): assertion failed in f: x > 0: bad x\n"},
+        {"a.cpp", 12, "f", "x > 0", nullptr, "a.cpp(12): assertion failed in f: x > 0\n"},
+        {"a.cpp", 12, "f", "x > 0", "", "a.cpp(12): assertion failed in f: x > 0\n"},
+        {nullptr, -1, nullptr, nullptr, nullptr, "?(-1): assertion failed in ?: ?\n"},
+        {nullptr, 0, nullptr, nullptr, "m", "?(0): assertion failed in ?: ?: m\n"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.expected);
+        CaptureStderr();
+        ut_report_assert_failure_5(c.file, c.line, c.function, c.expression, c.message);
+        EXPECT_EQ(GetCapturedStderr(), c.expected);
+    }
+}
+
+TEST(utAssert, MacroReportsOnlyFailuresAndContinues) {
+    int evaluations = 0;
+    CaptureStderr();
+    UT_ASSERT(++evaluations == 1, "never shown");
+    EXPECT_EQ(GetCapturedStderr(), "");
+
+    CaptureStderr();
+    const int line = __LINE__ + 1;
+    UT_ASSERT(evaluations == 2, "count");
+    const std::string expected = std::string(__FILE__) + "(" + std::to_string(line) +
+                                 "): assertion failed in " + __func__ +
+                                 ": evaluations == 2: count\n";
+    EXPECT_EQ(GetCapturedStderr(), expected);
+    EXPECT_EQ(evaluations, 1);
+}
+
+} // namespace

@@ -1,0 +1,43 @@
+#include "co/coArrays.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace {
+
+TEST(coDynArr, SizesAppendsAndBoundsChecks) {
+    coDynArr<std::string> a(2);
+    EXPECT_EQ(2, a.size());
+    a[1] = "x";
+    a.append("y");
+    EXPECT_EQ("y", a[2]);
+    EXPECT_EQ(nullptr, a.at(3));
+    EXPECT_EQ(nullptr, a.at(-1));
+    a.set_size(-4);
+    EXPECT_EQ(0, a.size());
+    EXPECT_EQ(0, coDynArr<int>(-1).size());
+}
+
+TEST(coPageArr, ElementsStayPutAcrossPages) {
+    coPageArr<std::string> a(0, 2, 1); // pages of 4, table grows by 2
+    const std::string* first = nullptr;
+    for (int i = 0; i < 100; ++i) {
+        a.append(std::to_string(i));
+        if (i == 0)
+            first = &a[0];
+    }
+    EXPECT_EQ(100, a.size());
+    EXPECT_EQ(first, &a[0]); // never moved by growth
+    for (int i = 0; i < 100; ++i)
+        EXPECT_EQ(std::to_string(i), a[i]);
+    EXPECT_EQ(nullptr, a.at(100));
+}
+
+TEST(coPageArr, ReservesAndClampsItsExponents) {
+    EXPECT_EQ(1024, coPageArr<int>(10, 5, 10).capacity());
+    EXPECT_EQ(32, coPageArr<int>().capacity());
+    EXPECT_EQ(1, coPageArr<int>(-3, -3, -3).capacity());
+}
+
+} // namespace

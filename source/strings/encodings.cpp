@@ -1,0 +1,199 @@
+#include "ovra/ovStringEncoding.h"
+
+#include "strings/utf_codec.h"
+
+#include <cstdlib>
+#include <cwchar>
+#include <vector>
+
+using ovra_internal::unfailed;
+
+ovIStringEncoding::~ovIStringEncoding() = default;
+ovIStringOsEncoding::~ovIStringOsEncoding() = default;
+
+// ---- UTF-8 ------------------------------------------------------------------
+
+ovString ovStringUTF8Encoding::in(const char* text, int& status) const {
+    // Built in place so that a failed string stays failed.
+    return ovString(ovSTRING_UTF8, text, status);
+}
+
+utString ovStringUTF8Encoding::out(const ovString& s, int& status) const {
+    status = 0;
+    return utString(utCOPY, s.convert(ovSTRING_UTF8));
+}
+
+// ---- C runtime locale ---------------------------------------------------------
+
+namespace {
+// The runtime functions are given this bound rather than SIZE_MAX, as the
+// 32-bit count the platform's runtime is built around.
+constexpr size_t kCrtLimit = 0x7FFFFFFF;
+} // namespace
+
+ovString ovStringCRTEncoding::in(const char* text, int& status) const {
+    status = 0;
+    if (!text)
+        return ovString();
+    const size_t n = std::mbstowcs(nullptr, text, kCrtLimit);
+    if (n == static_cast<size_t>(-1)) {
+        status = 1;
+        return ovString(ovSTRING_L, L"Failed to construct string from MB string.");
+    }
+    std::vector<wchar_t> wide(n + 1);
+    std::mbstowcs(wide.data(), text, n + 1);
+    return unfailed(ovString(ovSTRING_WCS, wide.data(), status));
+}
+
+utString ovStringCRTEncoding::out(const ovString& s, int& status) const {
+    status = 0;
+    const wchar_t* w = s.convert(ovSTRING_WCS);
+    if (!w)
+        return utString();
+    // With no destination the runtimes ignore the bound; 0 keeps glibc's
+    // destination-size check quiet.
+    const size_t n = std::wcstombs(nullptr, w, 0);
+    if (n == static_cast<size_t>(-1)) {
+        status = 1;
+        return utString("Failed to convert string to MB");
+    }
+    std::vector<char> narrow(n + 1);
+    std::wcstombs(narrow.data(), w, n + 1);
+    return utString(utCOPY, narrow.data());
+}
+
+// ---- choosers -----------------------------------------------------------------
+
+const ovIStringEncoding* ovStringEncodingChooser::ut_encoding() const {
+    static const ovStringUTF8Encoding the_ut_encoding;
+    return &the_ut_encoding;
+}
+
+const ovIStringEncoding* ovStringEncodingChooser::mb_encoding() const {
+    static const ovStringCRTEncoding the_mb_encoding;
+    return &the_mb_encoding;
+}
+
+// ---- converters ---------------------------------------------------------------
+
+namespace {
+
+const ovIStringOsEncoding* os_or_default(const ovIStringOsEncoding* os) {
+    return os ? os : ovStringOsEncodingChooser().os_encoding();
+}
+
+const ovIStringEncoding* ut_or_default(const ovIStringEncoding* ut) {
+    return ut ? ut : ovStringEncodingChooser().ut_encoding();
+}
+
+// Records one step's status: a later failure overwrites an earlier one.
+void step(int& status, int step_status) {
+    if (step_status)
+        status = step_status;
+}
+
+} // namespace
+
+ovOsWcsStringConverter::ovOsWcsStringConverter(const ovIStringOsEncoding* os)
+    : m_os(os_or_default(os)) {}
+
+ovBuffer<wchar_t> ovOsWcsStringConverter::convert_TSTR_to_wcs(const wchar_t* tstr,
+                                                              int& status) const {
+    status = 0;
+    int st = 0;
+    const ovString s = m_os->in(tstr, st);
+    step(status, st);
+    return ovBuffer<wchar_t>(s.convert(ovSTRING_WCS));
+}
+
+ovBuffer<wchar_t> ovOsWcsStringConverter::convert_wcs_to_TSTR(const wchar_t* wcs,
+                                                              int& status) const {
+    status = 0;
+    int st = 0;
+    const ovString s(ovSTRING_WCS, wcs, st);
+    step(status, st);
+    ovBuffer<wchar_t> result = m_os->out(s, st);
+    step(status, st);
+    return result;
+}
+
+ovOsUtStringConverter::ovOsUtStringConverter(const ovIStringEncoding* ut,
+                                             const ovIStringOsEncoding* os)
+    : m_ut(ut_or_default(ut)), m_os(os_or_default(os)) {}
+
+utString ovOsUtStringConverter::convert_TSTR_to_utString(const wchar_t* tstr,
+                                                         int& status) const {
+    status = 0;
+    int st = 0;
+    const ovString s = m_os->in(tstr, st);
+    step(status, st);
+    utString result = m_ut->out(s, st);
+    step(status, st);
+    return result;
+}
+
+ovBuffer<wchar_t> ovOsUtStringConverter::convert_utString_to_TSTR(const utString& u,
+                                                                  int& status) const {
+    status = 0;
+    int st = 0;
+    const ovString s = m_ut->in(u.c_str(), st);
+    step(status, st);
+    ovBuffer<wchar_t> result = m_os->out(s, st);
+    step(status, st);
+    return result;
+}
+
+ovOsUTF16StringConverter::ovOsUTF16StringConverter(const ovIStringOsEncoding* os)
+    : m_os(os_or_default(os)) {}
+
+ovBuffer<ovChar16> ovOsUTF16StringConverter::convert_TSTR_to_UTF16(const wchar_t* tstr,
+                                                                   int& status) const {
+    status = 0;
+    int st = 0;
+    const ovString s = m_os->in(tstr, st);
+    step(status, st);
+    return ovBuffer<ovChar16>(s.convert(ovSTRING_UTF16));
+}
+
+ovBuffer<wchar_t> ovOsUTF16StringConverter::convert_UTF16_to_TSTR(const ovChar16* utf16,
+                                                                  int& status) const {
+    status = 0;
+    int st = 0;
+    const ovString s(ovSTRING_UTF16, utf16, st);
+    step(status, st);
+    ovBuffer<wchar_t> result = m_os->out(s, st);
+    step(status, st);
+    return result;
+}
+
+ovUTF16UtStringConverter::ovUTF16UtStringConverter(const ovIStringEncoding* ut)
+    : m_ut(ut_or_default(ut)) {}
+
+utString ovUTF16UtStringConverter::convert_UTF16_to_utString(const ovChar16* utf16,
+                                                             int& status) const {
+    status = 0;
+    int st = 0;
+    const ovString s(ovSTRING_UTF16, utf16, st);
+    step(status, st);
+    utString result = m_ut->out(s, st);
+    step(status, st);
+    return result;
+}
+
+ovBuffer<ovChar16> ovUTF16UtStringConverter::convert_utString_to_UTF16(const utString& u,
+                                                                       int& status) const {
+    status = 0;
+    int st = 0;
+    const ovString s = m_ut->in(u.c_str(), st);
+    step(status, st);
+    return ovBuffer<ovChar16>(s.convert(ovSTRING_UTF16));
+}
+
+ovMBSToWCSP::ovMBSToWCSP(const char* s) {
+    int ignored;
+    m_text = ovStringEncodingChooser().ut_encoding()->in(s, ignored);
+}
+
+const ovChar16* ovMBSToWCSP::wcs16() const { return m_text.convert(ovSTRING_UTF16); }
+
+const wchar_t* ovMBSToWCSP::wcs() const { return m_text.convert(ovSTRING_WCS); }

@@ -1,0 +1,501 @@
+#include "ovra/ovString.h"
+
+#include "co/coHash.h"
+#include "strings/utf_codec.h"
+
+#include <algorithm>
+#include <climits>
+#include <cstring>
+#include <ostream>
+#include <utility>
+#include <vector>
+
+namespace {
+
+using ovra_internal::kFailedUtf16;
+using ovra_internal::kFailedUtf8;
+using ovra_internal::kUnsafeAscii;
+
+// Builds the UTF-8 form at every claim, copy and assignment when on. Nothing
+// turns it on; it is kept for diagnosing cache-related faults.
+bool the_eager_utf8_cache = false;
+
+std::shared_ptr<const unsigned int> own_array(const unsigned int* p) {
+    return std::shared_ptr<const unsigned int>(p, std::default_delete<const unsigned int[]>());
+}
+
+} // namespace
+
+const ovString ovSTRING_SPACE_CHARS(ovSTRING_L, L"\t\n\r ");
+
+// ---- construction --------------------------------------------------------
+
+ovString::ovString() noexcept : m_length(0), m_failed(0), m_utf8(), m_utf16(), m_wide() {}
+
+ovString::ovString(ovStringEmpty) : ovString() {
+    init(utPTR_CLAIM, new unsigned int[1]{0});
+}
+
+ovString::ovString(ovStringL, const wchar_t* s) : ovString() { init_l(s); }
+
+ovString::ovString(ovStringWcs, const wchar_t* s, int& status) : ovString() {
+    init_l(s);
+    status = m_failed;
+}
+
+ovString::ovString(ovStringUTF8, const char* s, int& status) : ovString() {
+    init_utf8(s);
+    status = m_failed;
+}
+
+ovString::ovString(ovStringUTF16, const ovChar16* s, int& status) : ovString() {
+    init_utf16(s, length_utf16(s));
+    status = m_failed;
+}
+
+ovString::ovString(ovStringUTF16, const ovChar16* s, size_t n, int& status) : ovString() {
+    init_utf16(s, n);
+    status = m_failed;
+}
+
+ovString::ovString(ovStringUTF32, const unsigned int* s, int& status) : ovString() {
+    init_utf32(s, length_utf32(s));
+    status = m_failed;
+}
+
+ovString::ovString(ovStringUTF32, const unsigned int* s, size_t n, int& status) : ovString() {
+    init_utf32(s, n);
+    status = m_failed;
+}
+
+ovString::ovString(ovStringUTF16LE, const unsigned char* bytes, size_t n, int& status)
+    : ovString() {
+    // Status stays 0 even when the text fails: callers of this form test
+    // failed(), which is what existing callers rely on.
+    status = 0;
+    if (!bytes)
+        return;
+    std::vector<ovChar16> units((n + 1) / 2 + 1, 0);
+    for (size_t i = 0; i < n; ++i) {
+        const unsigned int b = bytes[i];
+        const unsigned int shift = (i & 1) ? 8 : 0;
+        units[i / 2] = static_cast<ovChar16>(static_cast<uint16_t>(units[i / 2]) | (b << shift));
+    }
+    init_utf16(units.data(), (n + 1) / 2);
+}
+
+ovString::ovString(ovStringSafeASCII, const char* s, int& status) : ovString() {
+    if (is_safe_ascii(s))
+        init_utf8(s);
+    else
+        init_failed(kUnsafeAscii);
+    status = m_failed;
+}
+
+ovString::ovString(const ovString& o)
+    : m_buffer(o.m_buffer), m_length(o.m_length), m_failed(0), m_utf8(), m_utf16(), m_wide() {
+    if (the_eager_utf8_cache)
+        convert(ovSTRING_UTF8);
+}
+
+ovString::ovString(utCopy, const ovString& o) : ovString() {
+    if (o.invalid())
+        return;
+    unsigned int* p = new unsigned int[o.m_length + 1];
+    copy(p, o.internal_string(), o.m_length);
+    p[o.m_length] = 0;
+    init(utPTR_CLAIM, p);
+    // Every cache now, so that reading the copy never writes to it.
+    convert(ovSTRING_UTF8);
+    convert(ovSTRING_UTF16);
+    convert(ovSTRING_WCS);
+}
+
+ovString::ovString(ovString&& o) noexcept : ovString() { move(o); }
+
+ovString::ovString(utPtrClaim, const unsigned int* p) : ovString() { init(utPTR_CLAIM, p); }
+
+ovString::~ovString() { free_caches(); }
+
+ovString& ovString::operator=(const ovString& o) {
+    ovString tmp(o);
+    swap(tmp);
+    return *this;
+}
+
+ovString& ovString::operator=(ovString&& o) noexcept {
+    if (this != &o) {
+        ovString tmp(std::move(o));
+        swap(tmp);
+    }
+    return *this;
+}
+
+void ovString::swap(ovString& o) noexcept {
+    std::swap(m_buffer, o.m_buffer);
+    std::swap(m_length, o.m_length);
+    std::swap(m_failed, o.m_failed);
+    std::swap(m_utf8, o.m_utf8);
+    std::swap(m_utf16, o.m_utf16);
+    std::swap(m_wide, o.m_wide);
+}
+
+ovString ovString::literal(const char* ascii) {
+    int status;
+    return ovString(ovSTRING_UTF8, ascii, status);
+}
+
+// ---- protected building blocks --------------------------------------------
+
+void ovString::init_null() noexcept {
+    m_buffer.reset();
+    m_length = 0;
+    m_failed = 0;
+    m_utf8 = nullptr;
+    m_utf16 = nullptr;
+    m_wide = nullptr;
+}
+
+void ovString::init(utPtrClaim, const unsigned int* p) {
+    init_null();
+    if (!p)
+        return;
+    m_buffer = own_array(p);
+    m_length = length_utf32(p); // an embedded 0 cuts the text, on purpose
+    if (the_eager_utf8_cache)
+        convert(ovSTRING_UTF8);
+}
+
+void ovString::init_utf8(const char* p) {
+    init_null();
+    if (!p)
+        return;
+    const size_t n = std::strlen(p);
+    if (n > static_cast<size_t>(INT_MAX)) { // the byte count is a 32-bit int
+        init_failed(kFailedUtf8);
+        return;
+    }
+    // The counting pass of ConvertUTF, without the fallback that counts the
+    // "?" of bad input: here bad input fails the string whatever the count.
+    size_t chars;
+    if (!ovra_internal::count_exact_utf8(p, n, chars)) {
+        init_failed(kFailedUtf8);
+        return;
+    }
+    const size_t count = chars + 1;
+    unsigned int* buf = new unsigned int[count];
+    ovra_internal::decode_exact_utf8(p, n, buf);
+    // No 0 byte before n, so the length is known without a scan.
+    m_buffer = own_array(buf);
+    m_length = count - 1;
+    if (the_eager_utf8_cache)
+        convert(ovSTRING_UTF8);
+}
+
+void ovString::init_utf16(const ovChar16* p, size_t n) {
+    init_null();
+    if (!p)
+        return;
+    ovOvra::ConvertUTF cv;
+    const size_t count = cv.utf16_to_utf32(p, n, nullptr, 0);
+    if (!cv.was_exact()) {
+        init_failed(kFailedUtf16);
+        return;
+    }
+    unsigned int* buf = new unsigned int[count];
+    cv.utf16_to_utf32(p, n, buf, count);
+    init(utPTR_CLAIM, buf);
+}
+
+void ovString::init_utf32(const unsigned int* p, size_t n) {
+    init_null();
+    if (!p)
+        return;
+    unsigned int* buf = new unsigned int[n + 1];
+    copy(buf, p, n);
+    buf[n] = 0;
+    init(utPTR_CLAIM, buf);
+}
+
+void ovString::init_failed(const char* message) {
+    init_utf8(message);
+    m_failed = 1;
+}
+
+void ovString::move(ovString& from) noexcept {
+    m_buffer = std::move(from.m_buffer);
+    m_length = from.m_length;
+    m_failed = from.m_failed;
+    m_utf8 = from.m_utf8;
+    m_utf16 = from.m_utf16;
+    m_wide = from.m_wide;
+    from.init_null(); // the caches now belong to this object
+}
+
+size_t ovString::length_utf16(const ovChar16* p) noexcept {
+    if (!p)
+        return 0;
+    size_t n = 0;
+    while (p[n])
+        ++n;
+    return n;
+}
+
+size_t ovString::length_utf32(const unsigned int* p) noexcept {
+    if (!p)
+        return 0;
+    size_t n = 0;
+    while (p[n])
+        ++n;
+    return n;
+}
+
+int ovString::is_safe_ascii(const char* p) noexcept {
+    if (!p)
+        return 1;
+    // 0x7A ("z") is the top on purpose: "{|}~" and DEL are refused too.
+    for (; *p; ++p) {
+        const signed char c = static_cast<signed char>(*p);
+        if (c < 1 || c > 0x7A)
+            return 0;
+    }
+    return 1;
+}
+
+void ovString::copy(unsigned int* dst, const unsigned int* src, size_t n) noexcept {
+    if (n)
+        std::memcpy(dst, src, n * sizeof(unsigned int));
+}
+
+void ovString::free_caches() noexcept {
+    delete[] m_utf8;
+    delete[] m_utf16;
+    delete[] m_wide;
+    m_utf8 = nullptr;
+    m_utf16 = nullptr;
+    m_wide = nullptr;
+}
+
+// ---- conversions out --------------------------------------------------------
+
+const char* ovString::convert(ovStringUTF8) const {
+    if (!m_buffer)
+        return nullptr;
+    if (!m_utf8) {
+        ovOvra::ConvertUTF cv;
+        const size_t n = cv.utf32_to_utf8(internal_string(), m_length, nullptr, 0);
+        char* p = new char[n];
+        cv.utf32_to_utf8(internal_string(), m_length, p, n);
+        m_utf8 = p;
+    }
+    return m_utf8;
+}
+
+const ovChar16* ovString::convert(ovStringUTF16) const {
+    if (!m_buffer)
+        return nullptr;
+    if (!m_utf16) {
+        ovOvra::ConvertUTF cv;
+        const size_t n = cv.utf32_to_utf16(internal_string(), m_length, nullptr, 0);
+        ovChar16* p = new ovChar16[n];
+        cv.utf32_to_utf16(internal_string(), m_length, p, n);
+        m_utf16 = p;
+    }
+    return m_utf16;
+}
+
+utString ovString::convert(ovStringSafeASCII, int& status) {
+    status = 0;
+    const char* text = convert(ovSTRING_UTF8);
+    if (!text)
+        return utString();
+    if (!is_safe_ascii(text)) {
+        status = 1;
+        return utString(utSTRING_LIT, kUnsafeAscii);
+    }
+    return utString(text);
+}
+
+size_t ovString::write(std::ostream& os, ovStringUTF16LE) const {
+    if (empty())
+        return 0;
+    const ovChar16* u = convert(ovSTRING_UTF16);
+    const size_t units = length_utf16(u);
+    std::vector<char> bytes(units * 2);
+    for (size_t i = 0; i < units; ++i) {
+        const unsigned int v = static_cast<uint16_t>(u[i]);
+        bytes[2 * i] = static_cast<char>(v & 0xFF);
+        bytes[2 * i + 1] = static_cast<char>(v >> 8);
+    }
+    os.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    return bytes.size();
+}
+
+// ---- positions, search and slicing -----------------------------------------
+
+ovStringPos ovString::convert_pos(const ovString&, const ovStringPos& p) const noexcept {
+    if (p.m_index <= m_length)
+        return ovStringPos(p.m_index, internal_string());
+    return end();
+}
+
+int ovString::matches(const ovString& s, const ovStringPos& at) const noexcept {
+    if (s.empty())
+        return 1;
+    if (empty())
+        return 0;
+    if (at.m_index > m_length || at.m_index + s.m_length > m_length)
+        return 0;
+    return std::memcmp(internal_string() + at.m_index, s.internal_string(),
+                       s.m_length * sizeof(unsigned int)) == 0
+               ? 1
+               : 0;
+}
+
+int ovString::begins_with(const ovString& s) const noexcept { return matches(s, begin()); }
+
+int ovString::ends_with(const ovString& s) const noexcept {
+    // A longer s wraps the start past the length, so matches() refuses it.
+    return matches(s, ovStringPos(m_length - s.m_length, internal_string()));
+}
+
+ovStringPos ovString::find_substring(const ovString& s) const noexcept {
+    return find_substring(s, begin(), end());
+}
+
+ovStringPos ovString::find_substring(const ovString& s, ovStringPos from,
+                                     ovStringPos to) const noexcept {
+    if (s.empty())
+        return from;
+    if (empty())
+        return to;
+    if (from.m_index > m_length || from.m_index + s.m_length > to.m_index)
+        return to;
+    // Nothing can match past this string's end, however far `to` lies.
+    const size_t stop = std::min(to.m_index, m_length);
+    if (stop < s.m_length)
+        return to;
+    const unsigned int first = s.internal_string()[0];
+    const unsigned int* text = internal_string();
+    for (size_t i = from.m_index; i <= stop - s.m_length; ++i) {
+        if (text[i] == first && matches(s, ovStringPos(i, text)))
+            return ovStringPos(i, text);
+    }
+    return to;
+}
+
+ovStringPos ovString::find_last(const ovString& s) const noexcept {
+    return find_last(s, begin(), end());
+}
+
+ovStringPos ovString::find_last(const ovString& s, ovStringPos from,
+                                ovStringPos to) const noexcept {
+    if (s.empty())
+        return from;
+    if (empty())
+        return to;
+    if (from.m_index > m_length || from.m_index + s.m_length > to.m_index)
+        return to;
+    const size_t stop = std::min(to.m_index, m_length);
+    if (stop < s.m_length || stop - s.m_length < from.m_index)
+        return to;
+    const unsigned int* text = internal_string();
+    for (size_t i = stop - s.m_length;; --i) {
+        if (matches(s, ovStringPos(i, text)))
+            return ovStringPos(i, text);
+        if (i == 0 || i == from.m_index)
+            break;
+    }
+    return to;
+}
+
+ovString ovString::replace_all(const ovString& old, const ovString& by) const {
+    if (empty())
+        return ovString(ovSTRING_EMPTY);
+    if (old.empty())
+        return ovString(*this);
+    const unsigned int* text = internal_string();
+    size_t count = 0;
+    for (size_t i = 0; i < m_length;) {
+        if (matches(old, ovStringPos(i, text))) {
+            count += by.m_length;
+            i += old.m_length;
+        } else {
+            count += 1;
+            i += 1;
+        }
+    }
+    unsigned int* out = new unsigned int[count + 1];
+    unsigned int* o = out;
+    for (size_t i = 0; i < m_length;) {
+        if (matches(old, ovStringPos(i, text))) {
+            copy(o, by.internal_string(), by.m_length);
+            o += by.m_length;
+            i += old.m_length;
+        } else {
+            *o++ = text[i++];
+        }
+    }
+    *o = 0;
+    return ovString(utPTR_CLAIM, out);
+}
+
+ovString ovString::slice(size_t from, size_t to) const {
+    if (empty())
+        return ovString(ovSTRING_EMPTY);
+    to = std::min(to, m_length);
+    from = std::min(from, to);
+    int status;
+    return ovString(ovSTRING_UTF32, internal_string() + from, to - from, status);
+}
+
+ovString ovString::left(ovStringPos p) const { return slice(0, p.m_index); }
+
+ovString ovString::mid(ovStringPos p1, ovStringPos p2) const {
+    return slice(p1.m_index, p2.m_index);
+}
+
+ovString ovString::right(ovStringPos p) const { return slice(p.m_index, m_length); }
+
+ovStringPos ovString::first_non_matching_character(const ovString& set) const {
+    if (empty())
+        return begin();
+    const unsigned int* text = internal_string();
+    const unsigned int* set_begin = set.internal_string();
+    const unsigned int* set_end = set_begin + set.m_length;
+    for (size_t i = 0; i < m_length; ++i) {
+        if (std::find(set_begin, set_end, text[i]) == set_end)
+            return ovStringPos(i, text);
+    }
+    return end();
+}
+
+ovString ovString::operator+(const ovString& o) const {
+    unsigned int* p = new unsigned int[m_length + o.m_length + 1];
+    copy(p, internal_string(), m_length);
+    copy(p + m_length, o.internal_string(), o.m_length);
+    p[m_length + o.m_length] = 0;
+    return ovString(utPTR_CLAIM, p);
+}
+
+ovString& ovString::operator+=(const ovString& o) {
+    *this = *this + o;
+    return *this;
+}
+
+bool ovString::operator==(const ovString& o) const noexcept {
+    if (!invalid() && !o.invalid()) {
+        return m_length == o.m_length &&
+               (m_length == 0 || std::memcmp(internal_string(), o.internal_string(),
+                                             m_length * sizeof(unsigned int)) == 0);
+    }
+    return invalid() && o.invalid();
+}
+
+unsigned int co_hash(const ovString& s) {
+    if (s.invalid())
+        return 0;
+    const size_t bytes = s.length() * sizeof(unsigned int);
+    const int n = bytes > static_cast<size_t>(INT_MAX) ? INT_MAX : static_cast<int>(bytes);
+    return co_hash(static_cast<const void*>(s.convert(ovSTRING_UTF32)), n);
+}

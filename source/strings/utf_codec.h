@@ -1,0 +1,246 @@
+// Internal: the code-point readers and writers behind ovOvra::ConvertUTF, and
+// the fast decoder ovString uses once a text is known to decode exactly.
+//
+// Readers decode the common well-formed sequences inline and hand everything
+// else to an out-of-line reader that follows the exact rules (a bad sequence
+// gives "?" and clears `exact`). Both give the same result for well-formed
+// input, so the fast paths never change what a conversion returns.
+#pragma once
+
+#include "ovra/ovString.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+namespace ovra_internal {
+
+constexpr unsigned int kReplacement = 0x3F; // "?", not U+FFFD, on purpose
+
+inline bool is_continuation(unsigned char b) { return (b & 0xC0u) == 0x80u; }
+
+unsigned int read_utf8_slow(const char*& p, const char* end, bool& exact);
+unsigned int read_utf16_slow(const ovChar16*& p, const ovChar16* end, bool& exact);
+
+struct Utf8 {
+    typedef char unit;
+
+    static unsigned int value(unit u) { return static_cast<unsigned char>(u); }
+
+    // True when the next 8 bytes are all below 0x80.
+    static bool ascii8(const unit* p) {
+        uint64_t w;
+        std::memcpy(&w, p, 8);
+        return (w & 0x8080808080808080ull) == 0;
+    }
+
+    static unsigned int read(const unit*& p, const unit* end, bool& exact) {
+        const unsigned char* q = reinterpret_cast<const unsigned char*>(p);
+        const unsigned int b = q[0];
+        if (b <= 0x80) { // a lone 0x80 passes as U+0080, on purpose
+            ++p;
+            return b;
+        }
+        const std::ptrdiff_t left = end - p;
+        if (b >= 0xC2 && b < 0xE0) {
+            if (left >= 2 && is_continuation(q[1])) {
+                p += 2;
+                return ((b & 0x1Fu) << 6) | (q[1] & 0x3Fu);
+            }
+        } else if (b >= 0xE0 && b < 0xF0) {
+            if (left >= 3 && is_continuation(q[1]) && is_continuation(q[2])) {
+                const unsigned int c = ((b & 0x0Fu) << 12) | ((q[1] & 0x3Fu) << 6) | (q[2] & 0x3Fu);
+                if (c >= 0x800 && (c < 0xD800 || c > 0xDFFF)) {
+                    p += 3;
+                    return c;
+                }
+            }
+        } else if (b >= 0xF0 && b < 0xF5) {
+            if (left >= 4 && is_continuation(q[1]) && is_continuation(q[2]) &&
+                is_continuation(q[3])) {
+                const unsigned int c = ((b & 0x07u) << 18) | ((q[1] & 0x3Fu) << 12) |
+                                       ((q[2] & 0x3Fu) << 6) | (q[3] & 0x3Fu);
+                if (c >= 0x10000 && c < 0x110000) {
+                    p += 4;
+                    return c;
+                }
+            }
+        }
+        return read_utf8_slow(p, end, exact);
+    }
+
+    // At most 4 bytes whatever c is; values above U+1FFFFF lose their top bits.
+    static size_t size(unsigned int c) {
+        return 1 + (c >= 0x80) + (c > 0x7FF) + (c > 0xFFFF);
+    }
+
+    static void put(unsigned int c, size_t k, unit* o) {
+        static const unsigned char lead[4] = {0x00, 0xC0, 0xE0, 0xF0};
+        if (k == 0) {
+            o[0] = static_cast<unit>(c);
+            return;
+        }
+        o[0] = static_cast<unit>(lead[k] | ((c >> (6 * k)) & ((1u << (6 - k)) - 1u)));
+        for (size_t i = 1; i <= k; ++i)
+            o[i] = static_cast<unit>(0x80u | ((c >> (6 * (k - i))) & 0x3Fu));
+    }
+
+    // Stores c, or "?" when it does not fit the room left (at least one unit).
+    static size_t store(unsigned int c, unit*& o, const unit* end, bool& exact) {
+        if (c < 0x80) {
+            *o++ = static_cast<unit>(c);
+            return 1;
+        }
+        const size_t n = size(c);
+        if (static_cast<size_t>(end - o) < n) {
+            exact = false;
+            *o++ = static_cast<unit>(kReplacement);
+            return 1;
+        }
+        put(c, n - 1, o);
+        o += n;
+        return n;
+    }
+};
+
+struct Utf16 {
+    typedef ovChar16 unit;
+
+    static unsigned int value(unit u) { return static_cast<uint16_t>(u); }
+
+    static bool ascii8(const unit* p) {
+        unsigned int acc = 0;
+        for (int i = 0; i < 8; ++i)
+            acc |= static_cast<uint16_t>(p[i]);
+        return acc < 0x80;
+    }
+
+    static unsigned int read(const unit*& p, const unit* end, bool& exact) {
+        const unsigned int u = static_cast<uint16_t>(*p);
+        if (u < 0xD800 || u > 0xDFFF) {
+            ++p;
+            return u;
+        }
+        return read_utf16_slow(p, end, exact);
+    }
+
+    static size_t size(unsigned int c) { return c >= 0x10000 ? 2 : 1; }
+
+    // Surrogate values kept in UTF-32 text pass through as single units; bits
+    // above U+10FFFF are dropped from pairs.
+    static size_t store(unsigned int c, unit*& o, const unit* end, bool& exact) {
+        if (c < 0x10000) {
+            *o++ = static_cast<unit>(c);
+            return 1;
+        }
+        if (end - o < 2) {
+            exact = false;
+            *o++ = static_cast<unit>(kReplacement);
+            return 1;
+        }
+        const unsigned int v = c - 0x10000;
+        o[0] = static_cast<unit>(0xD800u | ((v >> 10) & 0x3FFu));
+        o[1] = static_cast<unit>(0xDC00u | (v & 0x3FFu));
+        o += 2;
+        return 2;
+    }
+};
+
+struct Utf32 {
+    typedef unsigned int unit;
+
+    static unsigned int value(unit u) { return u; }
+
+    static bool ascii8(const unit* p) {
+        unsigned int acc = 0;
+        for (int i = 0; i < 8; ++i)
+            acc |= p[i];
+        return acc < 0x80;
+    }
+
+    // UTF-32 input is taken as it is.
+    static unsigned int read(const unit*& p, const unit*, bool&) { return *p++; }
+
+    static size_t size(unsigned int) { return 1; }
+
+    static size_t store(unsigned int c, unit*& o, const unit*, bool&) {
+        *o++ = c;
+        return 1;
+    }
+};
+
+// One whole conversion: with no output (null dst or cap 0) the size needed
+// including one terminator; otherwise the units written. A terminator is added
+// unless the last code read was 0; output that fills up gets none.
+template <class R, class W>
+size_t convert(const typename R::unit* src, size_t n, typename W::unit* dst, size_t cap,
+               bool& exact) {
+    exact = true;
+    if (!src)
+        n = 0;
+    const typename R::unit* p = src;
+    const typename R::unit* const end = src + n;
+    unsigned int last = kReplacement;
+
+    if (!dst || cap == 0) {
+        size_t count = 0;
+        while (p < end) {
+            if (end - p >= 8 && R::ascii8(p)) {
+                p += 8;
+                count += 8;
+                last = R::value(p[-1]);
+                continue;
+            }
+            last = R::read(p, end, exact);
+            count += W::size(last);
+        }
+        return last == 0 ? count : count + 1;
+    }
+
+    typename W::unit* o = dst;
+    const typename W::unit* const oend = dst + cap;
+    while (p < end && o < oend) {
+        if (end - p >= 8 && oend - o >= 8 && R::ascii8(p)) {
+            for (int i = 0; i < 8; ++i)
+                o[i] = static_cast<typename W::unit>(R::value(p[i]));
+            p += 8;
+            o += 8;
+            last = R::value(p[-1]);
+            continue;
+        }
+        last = R::read(p, end, exact);
+        W::store(last, o, oend, exact);
+    }
+    if (last != 0 && o < oend)
+        *o++ = 0;
+    return static_cast<size_t>(o - dst);
+}
+
+// ConvertUTF's conversions from code points, with their fast paths.
+size_t utf32_to_utf8(const unsigned int* src, size_t n, char* dst, size_t cap, bool& exact);
+size_t utf32_to_utf16(const unsigned int* src, size_t n, ovChar16* dst, size_t cap, bool& exact);
+
+// True when n bytes of UTF-8 convert exactly; `count` is then their code
+// points (no terminator counted).
+bool count_exact_utf8(const char* src, size_t n, size_t& count);
+
+// Decodes n bytes already known to convert exactly (a counting pass said so)
+// into dst, which has room for every code point and the terminator.
+void decode_exact_utf8(const char* src, size_t n, unsigned int* dst);
+
+} // namespace ovra_internal
+
+namespace ovra_internal {
+
+// Messages that a failed or refused conversion holds instead of the text.
+inline constexpr char kFailedUtf8[] = "Failed to construct string from UTF8 string.";
+inline constexpr char kFailedUtf16[] = "Failed to construct string from UTF16 string.";
+inline constexpr char kUnsafeAscii[] = "Error: this string contains unsafe/non-ASCII characters.";
+inline constexpr char kFailedCpIn[] = "Failed to convert to ovString.";
+inline constexpr char kFailedCpOut[] = "Failed to convert to 8-bit encoding.";
+
+// A copy of s as callers of the encodings get it: never failed, so bad text
+// shows only in the status the caller already has.
+inline ovString unfailed(const ovString& s) { return ovString(s); }
+
+} // namespace ovra_internal
