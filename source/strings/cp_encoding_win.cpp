@@ -28,6 +28,12 @@ ovString ovStringCPEncoding::in(const char* text, int& status) const {
 
 utString ovStringCPEncoding::out(const ovString& s, int& status) const {
     const UINT cp = static_cast<UINT>(m_code_page);
+    // Windows refuses to report default characters for the UTF pages and so
+    // fails the call below; Wine accepts it. Refuse them here on both.
+    if (cp == CP_UTF7 || cp == CP_UTF8) {
+        status = 1;
+        return utString(utSTRING_LIT, kFailedCpOut);
+    }
     const wchar_t* w = s.convert(ovSTRING_WCS);
     int n = WideCharToMultiByte(cp, 0, w, -1, nullptr, 0, nullptr, nullptr);
     if (n == 0) {

@@ -50,15 +50,15 @@ utString ovStringCRTEncoding::out(const ovString& s, int& status) const {
     const wchar_t* w = s.convert(ovSTRING_WCS);
     if (!w)
         return utString();
-    // With no destination the runtimes ignore the bound; 0 keeps glibc's
-    // destination-size check quiet.
-    const size_t n = std::wcstombs(nullptr, w, 0);
-    if (n == static_cast<size_t>(-1)) {
+    // One pass into the most room the locale can need. Measuring first is not
+    // portable: Wine's runtime stops at the bound even without a destination,
+    // and measures text it then refuses to convert.
+    const size_t n = std::wcslen(w) * MB_CUR_MAX;
+    std::vector<char> narrow(n + 1);
+    if (std::wcstombs(narrow.data(), w, n + 1) == static_cast<size_t>(-1)) {
         status = 1;
         return utString("Failed to convert string to MB");
     }
-    std::vector<char> narrow(n + 1);
-    std::wcstombs(narrow.data(), w, n + 1);
     return utString(utCOPY, narrow.data());
 }
 
