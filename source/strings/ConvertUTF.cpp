@@ -269,9 +269,16 @@ void decode_exact_utf8(const char* src, size_t n, unsigned int* dst) {
         p += kBlock;
     }
     while (p < end) {
-        const TailBlock tail(p, static_cast<size_t>(end - p));
-        decode_block(tail.bytes, tail.valid);
-        p += std::min(kBlock, static_cast<size_t>(end - p));
+        const size_t left = std::min(kBlock, static_cast<size_t>(end - p));
+        const TailBlock tail(p, static_cast<size_t>(end - p)); // with the overhang decode_at reads
+        if ((high_bits(tail.bytes) | carry) == 0) { // short texts are mostly ASCII
+            for (size_t i = 0; i < left; ++i)
+                dst[k + i] = p[i];
+            k += left;
+        } else {
+            decode_block(tail.bytes, tail.valid);
+        }
+        p += left;
     }
     dst[k] = 0;
 }
