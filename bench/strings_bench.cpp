@@ -62,7 +62,8 @@ std::string make_mixed() {
     std::uniform_int_distribution<int> pct(0, 99);
     std::uniform_int_distribution<int> letter(0, 51);
     std::uniform_int_distribution<uint32_t> two(0x80, 0x7FF);
-    std::uniform_int_distribution<uint32_t> three(0x800, 0xFFFF - 0x800); // surrogates cut out below
+    std::uniform_int_distribution<uint32_t> three(0x800,
+                                                  0xFFFF - 0x800); // surrogates cut out below
     std::uniform_int_distribution<uint32_t> four(0x10000, 0x10FFFF);
     std::string s;
     s.reserve(kWholeBytes);
@@ -186,18 +187,24 @@ enum class Op { FromUtf8, ToUtf8, ToUtf16 };
 
 const char* op_name(Op op) {
     switch (op) {
-    case Op::FromUtf8: return "BM_FromUtf8";
-    case Op::ToUtf8: return "BM_ToUtf8";
-    case Op::ToUtf16: return "BM_ToUtf16";
+    case Op::FromUtf8:
+        return "BM_FromUtf8";
+    case Op::ToUtf8:
+        return "BM_ToUtf8";
+    case Op::ToUtf16:
+        return "BM_ToUtf16";
     }
     return "?";
 }
 
 Iconv* open_for(Op op) {
     switch (op) {
-    case Op::FromUtf8: return new Iconv("UTF-32LE", "UTF-8");
-    case Op::ToUtf8: return new Iconv("UTF-8", "UTF-32LE");
-    case Op::ToUtf16: return new Iconv("UTF-16LE", "UTF-32LE");
+    case Op::FromUtf8:
+        return new Iconv("UTF-32LE", "UTF-8");
+    case Op::ToUtf8:
+        return new Iconv("UTF-8", "UTF-32LE");
+    case Op::ToUtf16:
+        return new Iconv("UTF-16LE", "UTF-32LE");
     }
     return nullptr;
 }

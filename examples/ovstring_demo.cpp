@@ -2,8 +2,8 @@
 // points, its UTF-16 units, and whether it decoded exactly.
 #include "ovra/ovString.h"
 
-#include <cstdio>
 #include <cstdint>
+#include <cstdio>
 
 namespace {
 

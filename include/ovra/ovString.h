@@ -27,16 +27,45 @@
 #include <memory>
 
 // Constructor tags; the same types select the form that `convert` gives.
-enum ovStringL { ovSTRING_L };                   // null-terminated wide text, no status
-enum ovStringWcs { ovSTRING_WCS };               // null-terminated wide text
-enum ovStringUTF8 { ovSTRING_UTF8 };             // UTF-8 bytes
-enum ovStringUTF16 { ovSTRING_UTF16 };           // UTF-16 units
-enum ovStringUTF32 { ovSTRING_UTF32 };           // code points, not validated
-enum ovStringUTF16LE { ovSTRING_UTF16LE };       // little-endian UTF-16 bytes
-enum ovStringSafeASCII { ovSTRING_SAFE_ASCII };  // ASCII 0x01..0x7A only
-enum ovStringEmpty { ovSTRING_EMPTY };           // a valid empty string
+enum ovStringL { ovSTRING_L };                  // null-terminated wide text, no status
+enum ovStringWcs { ovSTRING_WCS };              // null-terminated wide text
+enum ovStringUTF8 { ovSTRING_UTF8 };            // UTF-8 bytes
+enum ovStringUTF16 { ovSTRING_UTF16 };          // UTF-16 units
+enum ovStringUTF32 { ovSTRING_UTF32 };          // code points, not validated
+enum ovStringUTF16LE { ovSTRING_UTF16LE };      // little-endian UTF-16 bytes
+enum ovStringSafeASCII { ovSTRING_SAFE_ASCII }; // ASCII 0x01..0x7A only
+enum ovStringEmpty { ovSTRING_EMPTY };          // a valid empty string
 
 class ovString;
+
+// The shared code points of ovString: one allocation holds an atomic use count
+// followed by the text, so copies on other threads may share and drop it.
+class ovStringText {
+public:
+    ovStringText() noexcept : m_text(nullptr) {}
+    ovStringText(const ovStringText& o) noexcept;
+    ovStringText(ovStringText&& o) noexcept : m_text(o.m_text) { o.m_text = nullptr; }
+    ovStringText& operator=(ovStringText o) noexcept {
+        swap(o);
+        return *this;
+    }
+    ~ovStringText();
+
+    // Room for n code points, uses 1; `text` receives where to write them.
+    static ovStringText make(size_t n, unsigned int*& text);
+
+    const unsigned int* get() const noexcept { return m_text; }
+    explicit operator bool() const noexcept { return m_text != nullptr; }
+    void swap(ovStringText& o) noexcept {
+        unsigned int* t = m_text;
+        m_text = o.m_text;
+        o.m_text = t;
+    }
+    void reset() noexcept { ovStringText().swap(*this); }
+
+private:
+    unsigned int* m_text;
+};
 
 // A code-point position in one particular string. Ordering compares indexes
 // only; equality also asks that both come from the same string's text.
@@ -191,6 +220,9 @@ protected:
     const unsigned int* internal_string() const noexcept { return m_buffer.get(); }
 
     void init_null() noexcept;
+    // Fresh text of n code points plus terminator, already stored; returns where
+    // to write them.
+    unsigned int* init_text(size_t n);
     void init(utPtrClaim, const unsigned int* p);
     void init_utf8(const char* p);
     void init_utf16(const ovChar16* p, size_t n);
@@ -207,7 +239,7 @@ private:
     void free_caches() noexcept;
     ovString slice(size_t from, size_t to) const;
 
-    std::shared_ptr<const unsigned int> m_buffer;
+    ovStringText m_buffer;
     size_t m_length;
     int m_failed;
     mutable char* m_utf8;

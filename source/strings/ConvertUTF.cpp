@@ -183,13 +183,13 @@ public:
         const BlockMasks m = classify(p);
         const uint64_t cont = m.ge80 & ~m.geC0;
         const uint64_t covered = (m.geC0 << 1) | (m.geE0 << 2) | (m.geF0 << 3) | m_cover;
-        uint64_t bad = covered & ~cont;                 // a character cut short
-        bad |= cont & ~covered & ~m.eq80;               // a stray continuation byte
-        bad |= (m.geC0 & ~m.geC2) | m.geF5;             // bytes that never start anything
-        bad |= ((m.eqE0 << 1) | m_e0) & ~m.geA0;         // overlong three bytes
-        bad |= ((m.eqED << 1) | m_ed) & m.geA0;          // surrogates
-        bad |= ((m.eqF0 << 1) | m_f0) & ~m.ge90;         // overlong four bytes
-        bad |= ((m.eqF4 << 1) | m_f4) & m.ge90;          // above U+10FFFF
+        uint64_t bad = covered & ~cont;          // a character cut short
+        bad |= cont & ~covered & ~m.eq80;        // a stray continuation byte
+        bad |= (m.geC0 & ~m.geC2) | m.geF5;      // bytes that never start anything
+        bad |= ((m.eqE0 << 1) | m_e0) & ~m.geA0; // overlong three bytes
+        bad |= ((m.eqED << 1) | m_ed) & m.geA0;  // surrogates
+        bad |= ((m.eqF0 << 1) | m_f0) & ~m.ge90; // overlong four bytes
+        bad |= ((m.eqF4 << 1) | m_f4) & m.ge90;  // above U+10FFFF
         m_bad |= bad;
         m_cover = (m.geC0 >> 63) | (m.geE0 >> 62) | (m.geF0 >> 61);
         m_e0 = m.eqE0 >> 63;
@@ -271,7 +271,7 @@ void decode_exact_utf8(const char* src, size_t n, unsigned int* dst) {
     while (p < end) {
         const size_t left = std::min(kBlock, static_cast<size_t>(end - p));
         const TailBlock tail(p, static_cast<size_t>(end - p)); // with the overhang decode_at reads
-        if ((high_bits(tail.bytes) | carry) == 0) { // short texts are mostly ASCII
+        if ((high_bits(tail.bytes) | carry) == 0) {            // short texts are mostly ASCII
             for (size_t i = 0; i < left; ++i)
                 dst[k + i] = p[i];
             k += left;
@@ -292,8 +292,9 @@ namespace {
 constexpr uint32_t kUtf8Marks[4] = {0, 0x80C0u, 0x8080E0u, 0x808080F0u};
 
 // How many of the code points exceed each limit, four at a time.
-template <size_t N> void count_above(const unsigned int* src, size_t n, const unsigned int (&limits)[N],
-                                     size_t& total) {
+template <size_t N>
+void count_above(const unsigned int* src, size_t n, const unsigned int (&limits)[N],
+                 size_t& total) {
     size_t i = 0;
 #if defined(__SSE2__)
     // Unsigned compares through the sign bit.
@@ -306,8 +307,8 @@ template <size_t N> void count_above(const unsigned int* src, size_t n, const un
         // At most 255 rounds of 4 lanes before the 32-bit lane sums are read.
         const size_t stop = i + std::min<size_t>((n - i) & ~size_t(3), 4 * 255);
         for (; i < stop; i += 4) {
-            const __m128i x = _mm_xor_si128(
-                _mm_loadu_si128(reinterpret_cast<const __m128i*>(src + i)), flip);
+            const __m128i x =
+                _mm_xor_si128(_mm_loadu_si128(reinterpret_cast<const __m128i*>(src + i)), flip);
             for (size_t j = 0; j < N; ++j)
                 acc = _mm_sub_epi32(acc, _mm_cmpgt_epi32(x, lim[j]));
         }
@@ -389,8 +390,7 @@ size_t utf32_to_utf8(const unsigned int* src, size_t n, char* dst, size_t cap, b
     return static_cast<size_t>(o - dst);
 }
 
-size_t utf32_to_utf16(const unsigned int* src, size_t n, ovChar16* dst, size_t cap,
-                      bool& exact) {
+size_t utf32_to_utf16(const unsigned int* src, size_t n, ovChar16* dst, size_t cap, bool& exact) {
     exact = true;
     if (!src)
         n = 0;

@@ -121,8 +121,7 @@ ovOsUtStringConverter::ovOsUtStringConverter(const ovIStringEncoding* ut,
                                              const ovIStringOsEncoding* os)
     : m_ut(ut_or_default(ut)), m_os(os_or_default(os)) {}
 
-utString ovOsUtStringConverter::convert_TSTR_to_utString(const wchar_t* tstr,
-                                                         int& status) const {
+utString ovOsUtStringConverter::convert_TSTR_to_utString(const wchar_t* tstr, int& status) const {
     status = 0;
     int st = 0;
     const ovString s = m_os->in(tstr, st);
@@ -194,6 +193,10 @@ ovMBSToWCSP::ovMBSToWCSP(const char* s) {
     m_text = ovStringEncodingChooser().ut_encoding()->in(s, ignored);
 }
 
-const ovChar16* ovMBSToWCSP::wcs16() const { return m_text.convert(ovSTRING_UTF16); }
+const ovChar16* ovMBSToWCSP::wcs16() const {
+    return m_text.convert(ovSTRING_UTF16);
+}
 
-const wchar_t* ovMBSToWCSP::wcs() const { return m_text.convert(ovSTRING_WCS); }
+const wchar_t* ovMBSToWCSP::wcs() const {
+    return m_text.convert(ovSTRING_WCS);
+}

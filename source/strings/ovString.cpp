@@ -4,8 +4,10 @@
 #include "strings/utf_codec.h"
 
 #include <algorithm>
+#include <atomic>
 #include <climits>
 #include <cstring>
+#include <new>
 #include <ostream>
 #include <utility>
 #include <vector>
@@ -20,11 +22,40 @@ using ovra_internal::kUnsafeAscii;
 // turns it on; it is kept for diagnosing cache-related faults.
 bool the_eager_utf8_cache = false;
 
-std::shared_ptr<const unsigned int> own_array(const unsigned int* p) {
-    return std::shared_ptr<const unsigned int>(p, std::default_delete<const unsigned int[]>());
+// The use count sits just before the text; 8 bytes keep the text aligned.
+typedef std::atomic<size_t> Uses;
+static_assert(sizeof(Uses) % alignof(unsigned int) == 0, "text must stay aligned");
+
+Uses* uses_of(const unsigned int* text) {
+    return reinterpret_cast<Uses*>(
+        const_cast<char*>(reinterpret_cast<const char*>(text) - sizeof(Uses)));
 }
 
 } // namespace
+
+ovStringText::ovStringText(const ovStringText& o) noexcept : m_text(o.m_text) {
+    if (m_text)
+        uses_of(m_text)->fetch_add(1, std::memory_order_relaxed);
+}
+
+ovStringText::~ovStringText() {
+    if (m_text && uses_of(m_text)->fetch_sub(1, std::memory_order_acq_rel) == 1) {
+        Uses* uses = uses_of(m_text);
+        uses->~Uses();
+        ::operator delete(uses);
+    }
+}
+
+ovStringText ovStringText::make(size_t n, unsigned int*& text) {
+    if (n > (SIZE_MAX - sizeof(Uses)) / sizeof(unsigned int))
+        throw std::bad_alloc();
+    void* block = ::operator new(sizeof(Uses) + n * sizeof(unsigned int));
+    new (block) Uses(1);
+    ovStringText t;
+    t.m_text = reinterpret_cast<unsigned int*>(static_cast<char*>(block) + sizeof(Uses));
+    text = t.m_text;
+    return t;
+}
 
 const ovString ovSTRING_SPACE_CHARS(ovSTRING_L, L"\t\n\r ");
 
@@ -33,10 +64,12 @@ const ovString ovSTRING_SPACE_CHARS(ovSTRING_L, L"\t\n\r ");
 ovString::ovString() noexcept : m_length(0), m_failed(0), m_utf8(), m_utf16(), m_wide() {}
 
 ovString::ovString(ovStringEmpty) : ovString() {
-    init(utPTR_CLAIM, new unsigned int[1]{0});
+    init_text(0);
 }
 
-ovString::ovString(ovStringL, const wchar_t* s) : ovString() { init_l(s); }
+ovString::ovString(ovStringL, const wchar_t* s) : ovString() {
+    init_l(s);
+}
 
 ovString::ovString(ovStringWcs, const wchar_t* s, int& status) : ovString() {
     init_l(s);
@@ -101,21 +134,24 @@ ovString::ovString(const ovString& o)
 ovString::ovString(utCopy, const ovString& o) : ovString() {
     if (o.invalid())
         return;
-    unsigned int* p = new unsigned int[o.m_length + 1];
-    copy(p, o.internal_string(), o.m_length);
-    p[o.m_length] = 0;
-    init(utPTR_CLAIM, p);
+    copy(init_text(o.m_length), o.internal_string(), o.m_length);
     // Every cache now, so that reading the copy never writes to it.
     convert(ovSTRING_UTF8);
     convert(ovSTRING_UTF16);
     convert(ovSTRING_WCS);
 }
 
-ovString::ovString(ovString&& o) noexcept : ovString() { move(o); }
+ovString::ovString(ovString&& o) noexcept : ovString() {
+    move(o);
+}
 
-ovString::ovString(utPtrClaim, const unsigned int* p) : ovString() { init(utPTR_CLAIM, p); }
+ovString::ovString(utPtrClaim, const unsigned int* p) : ovString() {
+    init(utPTR_CLAIM, p);
+}
 
-ovString::~ovString() { free_caches(); }
+ovString::~ovString() {
+    free_caches();
+}
 
 ovString& ovString::operator=(const ovString& o) {
     ovString tmp(o);
@@ -160,10 +196,20 @@ void ovString::init(utPtrClaim, const unsigned int* p) {
     init_null();
     if (!p)
         return;
-    m_buffer = own_array(p);
-    m_length = length_utf32(p); // an embedded 0 cuts the text, on purpose
+    // Claimed arrays come from new[]; the text moves into a shared block.
+    std::unique_ptr<const unsigned int[]> claimed(p);
+    const size_t n = length_utf32(p); // an embedded 0 cuts the text, on purpose
+    copy(init_text(n), p, n);
     if (the_eager_utf8_cache)
         convert(ovSTRING_UTF8);
+}
+
+unsigned int* ovString::init_text(size_t n) {
+    unsigned int* text;
+    m_buffer = ovStringText::make(n + 1, text);
+    text[n] = 0;
+    m_length = n;
+    return text;
 }
 
 void ovString::init_utf8(const char* p) {
@@ -182,12 +228,8 @@ void ovString::init_utf8(const char* p) {
         init_failed(kFailedUtf8);
         return;
     }
-    const size_t count = chars + 1;
-    unsigned int* buf = new unsigned int[count];
-    ovra_internal::decode_exact_utf8(p, n, buf);
     // No 0 byte before n, so the length is known without a scan.
-    m_buffer = own_array(buf);
-    m_length = count - 1;
+    ovra_internal::decode_exact_utf8(p, n, init_text(chars));
     if (the_eager_utf8_cache)
         convert(ovSTRING_UTF8);
 }
@@ -202,19 +244,20 @@ void ovString::init_utf16(const ovChar16* p, size_t n) {
         init_failed(kFailedUtf16);
         return;
     }
-    unsigned int* buf = new unsigned int[count];
-    cv.utf16_to_utf32(p, n, buf, count);
-    init(utPTR_CLAIM, buf);
+    // count holds the terminator, or a 0 read from the text that cuts it.
+    const size_t room = count ? count : 1;
+    unsigned int* buf = init_text(room - 1);
+    cv.utf16_to_utf32(p, n, buf, room);
+    m_length = length_utf32(buf);
 }
 
 void ovString::init_utf32(const unsigned int* p, size_t n) {
     init_null();
     if (!p)
         return;
-    unsigned int* buf = new unsigned int[n + 1];
+    unsigned int* buf = init_text(n);
     copy(buf, p, n);
-    buf[n] = 0;
-    init(utPTR_CLAIM, buf);
+    m_length = length_utf32(buf); // an embedded 0 cuts the text, on purpose
 }
 
 void ovString::init_failed(const char* message) {
@@ -352,7 +395,9 @@ int ovString::matches(const ovString& s, const ovStringPos& at) const noexcept {
                : 0;
 }
 
-int ovString::begins_with(const ovString& s) const noexcept { return matches(s, begin()); }
+int ovString::begins_with(const ovString& s) const noexcept {
+    return matches(s, begin());
+}
 
 int ovString::ends_with(const ovString& s) const noexcept {
     // A longer s wraps the start past the length, so matches() refuses it.
@@ -425,8 +470,8 @@ ovString ovString::replace_all(const ovString& old, const ovString& by) const {
             i += 1;
         }
     }
-    unsigned int* out = new unsigned int[count + 1];
-    unsigned int* o = out;
+    ovString result;
+    unsigned int* o = result.init_text(count);
     for (size_t i = 0; i < m_length;) {
         if (matches(old, ovStringPos(i, text))) {
             copy(o, by.internal_string(), by.m_length);
@@ -436,8 +481,7 @@ ovString ovString::replace_all(const ovString& old, const ovString& by) const {
             *o++ = text[i++];
         }
     }
-    *o = 0;
-    return ovString(utPTR_CLAIM, out);
+    return result;
 }
 
 ovString ovString::slice(size_t from, size_t to) const {
@@ -449,13 +493,17 @@ ovString ovString::slice(size_t from, size_t to) const {
     return ovString(ovSTRING_UTF32, internal_string() + from, to - from, status);
 }
 
-ovString ovString::left(ovStringPos p) const { return slice(0, p.m_index); }
+ovString ovString::left(ovStringPos p) const {
+    return slice(0, p.m_index);
+}
 
 ovString ovString::mid(ovStringPos p1, ovStringPos p2) const {
     return slice(p1.m_index, p2.m_index);
 }
 
-ovString ovString::right(ovStringPos p) const { return slice(p.m_index, m_length); }
+ovString ovString::right(ovStringPos p) const {
+    return slice(p.m_index, m_length);
+}
 
 ovStringPos ovString::first_non_matching_character(const ovString& set) const {
     if (empty())
@@ -471,11 +519,11 @@ ovStringPos ovString::first_non_matching_character(const ovString& set) const {
 }
 
 ovString ovString::operator+(const ovString& o) const {
-    unsigned int* p = new unsigned int[m_length + o.m_length + 1];
+    ovString result;
+    unsigned int* p = result.init_text(m_length + o.m_length);
     copy(p, internal_string(), m_length);
     copy(p + m_length, o.internal_string(), o.m_length);
-    p[m_length + o.m_length] = 0;
-    return ovString(utPTR_CLAIM, p);
+    return result;
 }
 
 ovString& ovString::operator+=(const ovString& o) {

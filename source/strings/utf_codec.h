@@ -17,7 +17,9 @@ namespace ovra_internal {
 
 constexpr unsigned int kReplacement = 0x3F; // "?", not U+FFFD, on purpose
 
-inline bool is_continuation(unsigned char b) { return (b & 0xC0u) == 0x80u; }
+inline bool is_continuation(unsigned char b) {
+    return (b & 0xC0u) == 0x80u;
+}
 
 unsigned int read_utf8_slow(const char*& p, const char* end, bool& exact);
 unsigned int read_utf16_slow(const ovChar16*& p, const ovChar16* end, bool& exact);
@@ -70,9 +72,7 @@ struct Utf8 {
     }
 
     // At most 4 bytes whatever c is; values above U+1FFFFF lose their top bits.
-    static size_t size(unsigned int c) {
-        return 1 + (c >= 0x80) + (c > 0x7FF) + (c > 0xFFFF);
-    }
+    static size_t size(unsigned int c) { return 1 + (c >= 0x80) + (c > 0x7FF) + (c > 0xFFFF); }
 
     static void put(unsigned int c, size_t k, unit* o) {
         static const unsigned char lead[4] = {0x00, 0xC0, 0xE0, 0xF0};
@@ -241,6 +241,8 @@ inline constexpr char kFailedCpOut[] = "Failed to convert to 8-bit encoding.";
 
 // A copy of s as callers of the encodings get it: never failed, so bad text
 // shows only in the status the caller already has.
-inline ovString unfailed(const ovString& s) { return ovString(s); }
+inline ovString unfailed(const ovString& s) {
+    return ovString(s);
+}
 
 } // namespace ovra_internal

@@ -1,9 +1,13 @@
 // Windows: wide text is UTF-16, so the wide forms are the UTF-16 ones.
 #include "ovra/ovStringEncoding.h"
 
-void ovString::init_l(const wchar_t* p) { init_utf16(p, length_utf16(p)); }
+void ovString::init_l(const wchar_t* p) {
+    init_utf16(p, length_utf16(p));
+}
 
-const wchar_t* ovString::convert(ovStringWcs) const { return convert(ovSTRING_UTF16); }
+const wchar_t* ovString::convert(ovStringWcs) const {
+    return convert(ovSTRING_UTF16);
+}
 
 ovString ovStringUTF16OsEncoding::in(const wchar_t* text, int& status) const {
     // Built in place so that a failed string stays failed.

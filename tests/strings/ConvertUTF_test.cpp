@@ -110,7 +110,11 @@ TEST(ConvertUTF, Utf8DecodingFollowsTheRules) {
         {"stray run swallows 0x80 too", "\x81\x80\x80z", {Q, 'z'}, false},
         {"five-byte lead is stray", "\xF8\x88\x80\x80\x80", {Q}, false},
         {"lead at end", "ab\xC3", {'a', 'b', Q}, false},
-        {"lead then letter", "\xC3" "A", {Q, 'A'}, false},
+        {"lead then letter",
+         "\xC3"
+         "A",
+         {Q, 'A'},
+         false},
         {"truncated three bytes", "\xE2\x82", {Q}, false},
         {"truncated then ASCII", "\xE2\x82z", {Q, 'z'}, false},
         {"bad first of two", "\xC3\x28", {Q, '('}, false},
@@ -238,9 +242,18 @@ TEST(ConvertUTF, DirectUtf8AndUtf16RoundTrip) {
 // give, at every alignment and capacity.
 TEST(ConvertUTF, FastPathsAgreeWithTheRulesOnRandomInput) {
     std::mt19937 rng(12345);
-    const char* pieces[] = {"a",           "bcdefgh",  "0123456789abcdef", "\x80",
-                            "\xC3\xA9",    "\xE2\x82\xAC", "\xF0\x9F\x98\x80", "\xC3",
-                            "\xED\xA0\x80", "\x81\x82", "\xF8",             "\xE0\x80\x80",
+    const char* pieces[] = {"a",
+                            "bcdefgh",
+                            "0123456789abcdef",
+                            "\x80",
+                            "\xC3\xA9",
+                            "\xE2\x82\xAC",
+                            "\xF0\x9F\x98\x80",
+                            "\xC3",
+                            "\xED\xA0\x80",
+                            "\x81\x82",
+                            "\xF8",
+                            "\xE0\x80\x80",
                             "\xF4\x90\x80\x80"};
     const size_t npieces = sizeof pieces / sizeof pieces[0];
     for (int round = 0; round < 600; ++round) {
@@ -319,9 +332,9 @@ std::vector<Unit> reference_encode(const codes& in, size_t cap, bool utf8, bool&
 
 TEST(ConvertUTF, EncodingFastPathsAgreeWithTheRules) {
     std::mt19937 rng(777);
-    const unsigned int samples[] = {0,      'a',     0x7F,     0x80,     0x7FF,    0x800,
-                                    0xD800, 0xFFFF,  0x10000,  0x1F600,  0x10FFFF, 0x110000,
-                                    0x1FFFFF, 0x200041, 0xFFFFFFFF};
+    const unsigned int samples[] = {0,        'a',      0x7F,     0x80,     0x7FF,
+                                    0x800,    0xD800,   0xFFFF,   0x10000,  0x1F600,
+                                    0x10FFFF, 0x110000, 0x1FFFFF, 0x200041, 0xFFFFFFFF};
     for (int round = 0; round < 400; ++round) {
         codes in(rng() % 80);
         for (unsigned int& c : in)
@@ -329,9 +342,8 @@ TEST(ConvertUTF, EncodingFastPathsAgreeWithTheRules) {
         SCOPED_TRACE(testing::Message() << "round " << round);
         ConvertUTF cv;
         for (int utf8 = 0; utf8 < 2; ++utf8) {
-            const size_t need =
-                utf8 ? cv.utf32_to_utf8(in.data(), in.size(), nullptr, 0)
-                     : cv.utf32_to_utf16(in.data(), in.size(), nullptr, 0);
+            const size_t need = utf8 ? cv.utf32_to_utf8(in.data(), in.size(), nullptr, 0)
+                                     : cv.utf32_to_utf16(in.data(), in.size(), nullptr, 0);
             const size_t caps[] = {need, need ? rng() % need + 1 : 1};
             for (size_t cap : caps) {
                 bool exact;

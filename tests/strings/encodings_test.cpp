@@ -13,7 +13,9 @@ namespace {
 
 const char kBadUtf8Message[] = "Failed to construct string from UTF8 string.";
 
-std::string text_of(const utString& u) { return u.is_null() ? "<null>" : u.c_str(); }
+std::string text_of(const utString& u) {
+    return u.is_null() ? "<null>" : u.c_str();
+}
 
 // Wide text of the platform's own encoding, from UTF-8.
 std::wstring wide(const char* utf8) {
@@ -93,7 +95,9 @@ TEST(ovStringEncoding, CodePagesRoundTrip) {
         const char* utf8;
     };
     const Case cases[] = {
-        {1252, "Gr\xFC\xDF\x65 \x80", "Gr\xC3\xBC\xC3\x9F" "e \xE2\x82\xAC"},
+        {1252, "Gr\xFC\xDF\x65 \x80",
+         "Gr\xC3\xBC\xC3\x9F"
+         "e \xE2\x82\xAC"},
         {1250, "\xB9\xE8", "\xC4\x85\xC4\x8D"},
         {1251, "\xCF\xF0\xE8", "\xD0\x9F\xD1\x80\xD0\xB8"},
         {437, "\xC9\xCD", "\xE2\x95\x94\xE2\x95\x90"},
@@ -245,5 +249,6 @@ TEST(ovStringEncoding, MbsToWcspGivesWideArguments) {
     EXPECT_EQ(u16string(arg.wcs16()), u16({'h', 0xE9, 'l', 'l', 'o'}));
     EXPECT_EQ(std::wstring(arg.wcs()), L"h\u00E9llo");
     EXPECT_EQ(ovMBSToWCSP(nullptr).wcs16(), nullptr);
-    EXPECT_EQ(u16string(ovMBSToWCSP("\xC3").wcs16()), u16string(from_utf8(kBadUtf8Message).convert(ovSTRING_UTF16)));
+    EXPECT_EQ(u16string(ovMBSToWCSP("\xC3").wcs16()),
+              u16string(from_utf8(kBadUtf8Message).convert(ovSTRING_UTF16)));
 }

@@ -119,9 +119,8 @@ TEST(ovString, SafeAsciiStopsAtLowercaseZ) {
         int status;
     };
     const Case cases[] = {
-        {"abz", 0},     {"ABC 123", 0}, {"tab\tnew\nline", 0}, {"a{b", 1},
-        {"pipe|", 1},   {"}", 1},       {"tilde~", 1},         {"del\x7F", 1},
-        {"caf\xC3\xA9", 1},
+        {"abz", 0}, {"ABC 123", 0}, {"tab\tnew\nline", 0}, {"a{b", 1},         {"pipe|", 1},
+        {"}", 1},   {"tilde~", 1},  {"del\x7F", 1},        {"caf\xC3\xA9", 1},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.text);
@@ -252,8 +251,12 @@ TEST(ovString, SearchFindsFirstAndLastMatches) {
     };
     const size_t none = SIZE_MAX;
     const Case cases[] = {
-        {"aXa", "a", 0, 2},        {"aaa", "aa", 0, 1},     {"hello", "lo", 3, 3},
-        {"hello", "xyz", none, none}, {"ab", "abc", none, none}, {"", "a", none, none},
+        {"aXa", "a", 0, 2},
+        {"aaa", "aa", 0, 1},
+        {"hello", "lo", 3, 3},
+        {"hello", "xyz", none, none},
+        {"ab", "abc", none, none},
+        {"", "a", none, none},
         {"h\xC3\xA9h\xC3\xA9", "\xC3\xA9", 1, 3},
     };
     for (const Case& c : cases) {
@@ -302,9 +305,9 @@ TEST(ovString, ReplaceAllIsLeftToRightAndNonOverlapping) {
         const char* result;
     };
     const Case cases[] = {
-        {"aaaa", "aa", "b", "bb"},     {"aaa", "aa", "b", "ba"},
+        {"aaaa", "aa", "b", "bb"},       {"aaa", "aa", "b", "ba"},
         {"a.b.c", ".", "::", "a::b::c"}, {"abc", "x", "y", "abc"},
-        {"abc", "abc", "", ""},         {"caf\xC3\xA9", "\xC3\xA9", "e", "cafe"},
+        {"abc", "abc", "", ""},          {"caf\xC3\xA9", "\xC3\xA9", "e", "cafe"},
         {"abc", "", "zz", "abc"}, // an empty search string changes nothing
     };
     for (const Case& c : cases) {

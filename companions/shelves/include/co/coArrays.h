@@ -23,7 +23,9 @@ public:
 
     T& operator[](int i) noexcept { return m_items[static_cast<size_t>(i)]; }
     const T& operator[](int i) const noexcept { return m_items[static_cast<size_t>(i)]; }
-    T* at(int i) noexcept { return i >= 0 && i < size() ? &m_items[static_cast<size_t>(i)] : nullptr; }
+    T* at(int i) noexcept {
+        return i >= 0 && i < size() ? &m_items[static_cast<size_t>(i)] : nullptr;
+    }
     const T* at(int i) const noexcept {
         return i >= 0 && i < size() ? &m_items[static_cast<size_t>(i)] : nullptr;
     }
