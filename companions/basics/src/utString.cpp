@@ -82,6 +82,19 @@ void utString::swap(utString& o) noexcept {
     std::swap(m_owned, o.m_owned);
 }
 
+utString utString::substr(size_t pos, size_t len) const {
+    if (!m_str)
+        return utString();
+    if (pos > m_len)
+        pos = m_len;
+    if (len > m_len - pos)
+        len = m_len - pos;
+    char* p = new char[len + 1];
+    std::memcpy(p, m_str + pos, len);
+    p[len] = '\0';
+    return utString(utPTR_CLAIM, p);
+}
+
 bool operator==(const utString& a, const utString& b) noexcept {
     if (a.is_null() || b.is_null())
         return a.is_null() && b.is_null();
@@ -89,3 +102,15 @@ bool operator==(const utString& a, const utString& b) noexcept {
 }
 
 bool operator!=(const utString& a, const utString& b) noexcept { return !(a == b); }
+
+bool operator==(const utString& a, const char* b) noexcept {
+    if (a.is_null() || !b)
+        return a.is_null() && !b;
+    return std::strcmp(a.c_str(), b) == 0;
+}
+
+bool operator==(const char* a, const utString& b) noexcept { return b == a; }
+
+bool operator!=(const utString& a, const char* b) noexcept { return !(a == b); }
+
+bool operator!=(const char* a, const utString& b) noexcept { return !(b == a); }

@@ -117,4 +117,60 @@ TEST(utString, Equality) {
     }
 }
 
+TEST(utString, SubstrClampsToTheText) {
+    struct Case {
+        utString s;
+        size_t pos, len;
+        const char* want; // null: the null state
+    };
+    const size_t all = static_cast<size_t>(-1);
+    const Case cases[] = {
+        {utString("hello"), 1, 3, "ell"},
+        {utString("hello"), 0, all, "hello"},
+        {utString("hello"), 3, 99, "lo"},
+        {utString("hello"), 5, 1, ""},
+        {utString("hello"), 99, all, ""},
+        {utString("hello"), 2, 0, ""},
+        {utString(utSTRING_LIT, "lit"), 1, all, "it"},
+        {utString(""), 0, all, ""},
+        {utString(), 0, 3, nullptr},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(testing::Message() << "case " << &c - cases);
+        const utString sub = c.s.substr(c.pos, c.len);
+        if (!c.want) {
+            EXPECT_TRUE(sub.is_null());
+            continue;
+        }
+        ASSERT_FALSE(sub.is_null());
+        EXPECT_STREQ(sub.c_str(), c.want);
+        EXPECT_EQ(sub.length(), std::strlen(c.want));
+        if (!c.s.empty()) {
+            EXPECT_NE(sub.c_str(), c.s.c_str()); // owned, even from a literal
+        }
+    }
+    EXPECT_STREQ(utString("abc").substr(1).c_str(), "bc");
+}
+
+TEST(utString, ComparesWithNarrowText) {
+    struct Case {
+        utString a;
+        const char* b;
+        bool equal;
+    };
+    const Case cases[] = {
+        {utString("abc"), "abc", true}, {utString("abc"), "abd", false},
+        {utString("abc"), "ab", false}, {utString("ab"), "abc", false},
+        {utString(""), "", true},       {utString(), nullptr, true},
+        {utString(), "", false},        {utString(""), nullptr, false},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(testing::Message() << "case " << &c - cases);
+        EXPECT_EQ(c.a == c.b, c.equal);
+        EXPECT_EQ(c.b == c.a, c.equal);
+        EXPECT_EQ(c.a != c.b, !c.equal);
+        EXPECT_EQ(c.b != c.a, !c.equal);
+    }
+}
+
 } // namespace

@@ -34,6 +34,10 @@ public:
     bool empty() const noexcept;        // null or ""
     void swap(utString& o) noexcept;    // exchanges contents and ownership
 
+    // A new owned string of up to len bytes from pos; both are clamped to the
+    // text, so any values are safe. The null state gives the null state.
+    utString substr(size_t pos, size_t len = static_cast<size_t>(-1)) const;
+
 private:
     const char* m_str;
     size_t m_len;
@@ -44,5 +48,10 @@ private:
 UT_API bool operator==(const utString& a, const utString& b) noexcept;
 // Negation of operator==.
 UT_API bool operator!=(const utString& a, const utString& b) noexcept;
+// As above against narrow text, without copying it; a null pointer is the null state.
+UT_API bool operator==(const utString& a, const char* b) noexcept;
+UT_API bool operator==(const char* a, const utString& b) noexcept;
+UT_API bool operator!=(const utString& a, const char* b) noexcept;
+UT_API bool operator!=(const char* a, const utString& b) noexcept;
 
 #endif // UT_STRING_H

@@ -1,0 +1,39 @@
+// Code-point helpers shared by the path-name classes.
+#pragma once
+
+#include "ovra/ovString.h"
+
+#include <cstddef>
+
+namespace ovra_internal {
+
+constexpr size_t kNoIndex = static_cast<size_t>(-1);
+
+// Hands a finished new[] code-point array (ending in 0) to an ovString
+// without copying it again.
+class ClaimedText : public ovString {
+  public:
+    explicit ClaimedText(const unsigned int* p) : ovString(utPTR_CLAIM, p) {}
+};
+
+// Index of the last `c` in the text, kNoIndex when none (or null).
+inline size_t last_index_of(const ovString& text, unsigned int c) noexcept {
+    const unsigned int* p = text.convert(ovSTRING_UTF32);
+    for (size_t i = text.length(); i > 0; --i) {
+        if (p[i - 1] == c)
+            return i - 1;
+    }
+    return kNoIndex;
+}
+
+// Code points [from, to) of the text as a new string (both within it).
+inline ovString slice(const ovString& text, size_t from, size_t to) {
+    int status;
+    return ovString(ovSTRING_UTF32, text.convert(ovSTRING_UTF32) + from, to - from, status);
+}
+
+// a, then `mid` unless it is 0, then b, built in one allocation. Null
+// operands count as empty.
+ovString join(const ovString& a, unsigned int mid, const ovString& b);
+
+} // namespace ovra_internal
