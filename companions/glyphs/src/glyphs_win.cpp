@@ -45,3 +45,20 @@ FILE* ub_fopen(const char* utf8_path, const char* mode) {
         return nullptr;
     }
 }
+
+int MessageBoxU(void* owner, const char* text, const char* caption, unsigned int type) {
+    try {
+        std::wstring wtext, wcaption;
+        if ((text && !to_wide(text, wtext)) || (caption && !to_wide(caption, wcaption))) {
+            errno = EINVAL;
+            SetLastError(ERROR_NO_UNICODE_TRANSLATION);
+            return 0;
+        }
+        return MessageBoxW(static_cast<HWND>(owner), text ? wtext.c_str() : nullptr,
+                           caption ? wcaption.c_str() : nullptr, type);
+    } catch (...) {
+        errno = ENOMEM;
+        SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+        return 0;
+    }
+}

@@ -25,4 +25,18 @@ TEST(ubFopenWin, InvalidUtf8IsRefused) {
     }
 }
 
+// Only refusals are tested: a well-formed call opens a box that would wait for a click.
+TEST(ubMessageBoxU, MalformedUtf8ShowsNothing) {
+    const struct {
+        const char* text;
+        const char* caption;
+    } cases[] = {{"a\xFF", "Error"}, {"fine", "\xC3"}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(testing::PrintToString(c.text) + " " + testing::PrintToString(c.caption));
+        errno = 0;
+        EXPECT_EQ(MessageBoxU(nullptr, c.text, c.caption, 0), 0);
+        EXPECT_EQ(errno, EINVAL);
+    }
+}
+
 } // namespace

@@ -11,4 +11,11 @@
 // fopen with a UTF-8 path and mode; nullptr (errno set) on failure or bad arguments.
 UB_API FILE* ub_fopen(const char* utf8_path, const char* mode);
 
+#if defined(_WIN32)
+// MessageBoxW with UTF-8 text and caption; `owner` is an HWND or null. Null text or
+// caption pass through as MessageBoxW takes them. Returns the button pressed, or 0 on
+// failure; malformed UTF-8 shows nothing and gives 0 with errno EINVAL.
+UB_API int MessageBoxU(void* owner, const char* text, const char* caption, unsigned int type);
+#endif
+
 #endif // UB_GLYPHS_H

@@ -1,0 +1,34 @@
+#include "ovra/ovStatus.h"
+
+#include <gtest/gtest.h>
+
+TEST(ovStatus, OkAndConditionGiveTheCodeAndMarkTested) {
+    const struct {
+        int32_t code;
+        bool success;
+    } cases[] = {{1, true}, {0, false}, {7, true}, {-3, true}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.code);
+        const ovStatus by_ok(c.code), by_bool(c.code);
+        EXPECT_EQ(by_ok.tested(), 0);
+        EXPECT_EQ(by_ok.ok(), c.code);
+        EXPECT_EQ(static_cast<bool>(by_bool), c.success);
+        EXPECT_EQ(by_ok.tested() + by_bool.tested(), 2);
+    }
+}
+
+TEST(ovStatus, CopyingPassesTheDutyToTest) {
+    const ovStatus fresh(0), seen(1);
+    seen.ok();
+    const ovStatus copy(fresh);
+    EXPECT_EQ(fresh.tested(), 1) << "the source counts as dealt with";
+    EXPECT_EQ(copy.tested(), 0) << "the copy takes the flag as it was";
+
+    ovStatus target(5);
+    EXPECT_EQ(&(target = copy), &target);
+    EXPECT_EQ(target.tested(), 0);
+    EXPECT_EQ(copy.tested(), 1);
+    target = seen;
+    EXPECT_EQ(target.tested(), 1);
+    EXPECT_EQ(target.ok(), 1);
+}
