@@ -1,0 +1,64 @@
+// Internal: byte access for the stream readers. Each read_char takes bytes
+// straight from the stream's buffer, with the effect on the stream's state
+// that istream::get and istream::peek would have, but without a sentry per
+// byte. Nothing here throws.
+#pragma once
+
+#include "ovra/ovStringReader.h"
+
+#include <istream>
+#include <streambuf>
+#include <string>
+
+namespace ovra_internal {
+
+constexpr int kEndOfStream = std::char_traits<char>::eof();
+
+// Sets state bits on the stream; a failure exception it asks for is dropped.
+void mark_stream(std::istream& is, std::ios_base::iostate bits) noexcept;
+
+// The next byte (0..255), or kEndOfStream: as get(), a stream that is not
+// good() gets failbit, and reaching the end sets eofbit and failbit. A
+// throwing buffer sets badbit.
+inline int next_byte(std::istream& is) noexcept {
+    if (is.rdstate() != std::ios_base::goodbit) {
+        mark_stream(is, std::ios_base::failbit);
+        return kEndOfStream;
+    }
+    int c;
+    try {
+        c = is.rdbuf()->sbumpc(); // good() implies a buffer
+    } catch (...) {
+        mark_stream(is, std::ios_base::badbit);
+        return kEndOfStream;
+    }
+    if (c == kEndOfStream)
+        mark_stream(is, std::ios_base::eofbit | std::ios_base::failbit);
+    return c;
+}
+
+// The next byte without taking it: as peek(), the end sets eofbit only.
+inline int peek_byte(std::istream& is) noexcept {
+    if (is.rdstate() != std::ios_base::goodbit)
+        return kEndOfStream;
+    int c;
+    try {
+        c = is.rdbuf()->sgetc();
+    } catch (...) {
+        mark_stream(is, std::ios_base::badbit);
+        return kEndOfStream;
+    }
+    if (c == kEndOfStream)
+        mark_stream(is, std::ios_base::eofbit);
+    return c;
+}
+
+// After a CR read by a byte-wide reader: takes a following LF, so that CR LF
+// and a lone CR both give one line feed.
+inline unsigned int line_feed_after_cr(std::istream& is) noexcept {
+    if (peek_byte(is) == '\n')
+        next_byte(is);
+    return '\n';
+}
+
+} // namespace ovra_internal
