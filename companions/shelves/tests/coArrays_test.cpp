@@ -34,10 +34,16 @@ TEST(coPageArr, ElementsStayPutAcrossPages) {
     EXPECT_EQ(nullptr, a.at(100));
 }
 
-TEST(coPageArr, ReservesAndClampsItsExponents) {
-    EXPECT_EQ(1024, coPageArr<int>(10, 5, 10).capacity());
-    EXPECT_EQ(32, coPageArr<int>().capacity());
-    EXPECT_EQ(1, coPageArr<int>(-3, -3, -3).capacity());
+TEST(coPageArr, AllocatesPagesOnlyAsElementsArrive) {
+    coPageArr<int> hinted(31, 5, 10); // a wild hint: clamped, nothing allocated
+    EXPECT_EQ(0, hinted.capacity());
+    hinted.append(1);
+    EXPECT_EQ(32, hinted.capacity());
+    coPageArr<int> tiny(-3, -3, -3); // pages of one element
+    for (int i = 0; i < 3; ++i)
+        tiny.append(i);
+    EXPECT_EQ(3, tiny.capacity());
+    EXPECT_EQ(2, tiny[2]);
 }
 
 } // namespace

@@ -5,6 +5,7 @@
 #ifndef CO_ARRAYS_H
 #define CO_ARRAYS_H
 
+#include <algorithm>
 #include <memory>
 #include <utility>
 #include <vector>
@@ -39,21 +40,22 @@ private:
     std::vector<T> m_items;
 };
 
-// The three numbers are exponents of two, each clamped to [0, 24]:
-// `initial` elements' worth of pages is reserved up front (2^initial), every page holds
-// 2^`page` elements, and the page table grows 2^`table` entries at a time.
+// The three numbers are exponents of two, each clamped to [0, 24]: room for
+// 2^`initial` elements is set aside in the page table up front (never more than
+// 2^16 elements' worth, so a wild size hint costs little), every page holds
+// 2^`page` elements, and the page table doubles, by at most 2^`table` entries
+// at a time.
+// Pages are allocated only as elements arrive.
 template <class T> class coPageArr {
 public:
     coPageArr() : coPageArr(0, 5, 10) {}
     coPageArr(int initial, int page, int table) : m_shift(clamp(page)), m_table(clamp(table)) {
-        m_pages.reserve(size_t{1} << m_table);
-        const size_t want = size_t{1} << clamp(initial);
-        while (m_pages.size() * page_size() < want)
-            add_page();
+        const int hint = clamp(initial) < 16 ? clamp(initial) : 16;
+        m_pages.reserve((size_t{1} << hint) >> m_shift);
     }
 
     int size() const noexcept { return static_cast<int>(m_size); }
-    // Page count times page size.
+    // Elements that fit in the pages allocated so far.
     int capacity() const noexcept { return static_cast<int>(m_pages.size() * page_size()); }
 
     void append(const T& v) {
@@ -78,8 +80,10 @@ private:
     size_t page_size() const noexcept { return size_t{1} << m_shift; }
     T& element(size_t i) noexcept { return m_pages[i >> m_shift][i & (page_size() - 1)]; }
     void add_page() {
-        if (m_pages.size() == m_pages.capacity())
-            m_pages.reserve(m_pages.size() + (size_t{1} << m_table));
+        if (m_pages.size() == m_pages.capacity()) {
+            const size_t step = std::max<size_t>(1, m_pages.size());
+            m_pages.reserve(m_pages.size() + std::min(step, size_t{1} << m_table));
+        }
         m_pages.emplace_back(new T[page_size()]);
     }
     T& slot_for_append() {
