@@ -33,7 +33,7 @@
 class ovFileName;
 
 class OV_API ovPathName {
-  public:
+public:
     // The empty path: empty text, not "." (a root, whose dirname() is ".").
     ovPathName();
     // Normalises: an empty text becomes "."; backslashes become "/";
@@ -69,7 +69,7 @@ class OV_API ovPathName {
     ovPathName combine(const ovPathName& other) const;
     ovPathName operator+(const ovPathName& other) const { return combine(other); }
 
-  protected:
+protected:
     // Makes this path the normalised form of `text`.
     void normalise(const ovString& text);
     // Drops the separators that end the text after its root and turns runs
@@ -79,12 +79,12 @@ class OV_API ovPathName {
     // an earlier one.
     static size_t root_length(const ovString& text) noexcept;
 
-  private:
+private:
     ovString m_path;
 };
 
 class OV_API ovFileName {
-  public:
+public:
     // The empty name (invalid).
     ovFileName();
     // Valid when not empty and free of "/"; a backslash is kept and allowed.
@@ -114,12 +114,12 @@ class OV_API ovFileName {
     bool operator==(const ovFileName& o) const noexcept { return m_name == o.m_name; }
     bool operator!=(const ovFileName& o) const noexcept { return !(*this == o); }
 
-  protected:
+protected:
     // Stores the text (null for null or failed text) and its validity.
     void set_name(const ovString& name);
     static int test_valid(const ovString& name) noexcept;
 
-  private:
+private:
     ovString m_name;
     int m_valid;
 };
@@ -127,7 +127,7 @@ class OV_API ovFileName {
 // Splits a narrow path into directory, name and extension; "/" and backslash
 // both separate. Every output is written; the path may be one of them.
 class OV_API ovSplitPath {
-  public:
+public:
     ovSplitPath() {}
     ~ovSplitPath() {}
 

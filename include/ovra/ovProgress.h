@@ -25,12 +25,12 @@
 
 // Receives the proportion of work done.
 class OV_API ovIProgress {
-  public:
+public:
     // proportion: 0.0 (nothing done) to 1.0 (all done).
     virtual void update_progress(double proportion) const = 0;
     virtual ~ovIProgress();
 
-  protected:
+protected:
     ovIProgress() noexcept = default;
     ovIProgress(const ovIProgress&) noexcept = default;
     ovIProgress& operator=(const ovIProgress&) noexcept = default;
@@ -38,12 +38,12 @@ class OV_API ovIProgress {
 
 // Says whether the running operation should stop.
 class OV_API ovIBreakChecker {
-  public:
+public:
     // True when a break has been requested.
     virtual bool break_requested() const = 0;
     virtual ~ovIBreakChecker();
 
-  protected:
+protected:
     ovIBreakChecker() noexcept = default;
     ovIBreakChecker(const ovIBreakChecker&) noexcept = default;
     ovIBreakChecker& operator=(const ovIBreakChecker&) noexcept = default;
@@ -57,14 +57,14 @@ typedef coPrg<ovIProgress> ovIProgresscoPrg;
 // A slice [start, end] of a parent's range: the child's 0.0 reaches the
 // parent as start, its 1.0 as end. end below start is allowed.
 class OV_API ovChildProgress : public ovIProgress {
-  public:
+public:
     // Stores the three values without checks; the parent is not owned.
     ovChildProgress(const ovIProgress* parent, double start, double end) noexcept;
     // Reports start + (end - start) * p to the parent, clamped to at most 1.0.
     void update_progress(double p) const override;
     ~ovChildProgress() override;
 
-  private:
+private:
     double convert_proportion(double p) const noexcept;
 
     const ovIProgress* m_parent;
@@ -74,7 +74,7 @@ class OV_API ovChildProgress : public ovIProgress {
 
 // A progress and a break checker held together as one value.
 class OV_API ovProgressBreak {
-  public:
+public:
     // No progress, no checker.
     ovProgressBreak();
     // Shares both handles (either may be empty).
@@ -97,7 +97,7 @@ class OV_API ovProgressBreak {
     // of this progress (none when this has none), sharing this checker.
     ovProgressBreak create_child(double start, double end) const;
 
-  private:
+private:
     ovIProgresscoPrf m_progress;
     ovIBreakCheckercoPrf m_break_checker;
 };

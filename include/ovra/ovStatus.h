@@ -33,7 +33,7 @@
 
 // The outcome of an operation that can fail.
 class OV_API ovStatus {
-  public:
+public:
     // code: 1 success, 0 failure; any non-zero value counts as success.
     // Starts untested. There is no default constructor.
     ovStatus(int32_t code) noexcept : m_code(code), m_tested(0) {}
@@ -63,7 +63,7 @@ class OV_API ovStatus {
     // 1 once the status was tested, copied or assigned from; does not mark it.
     int32_t tested() const noexcept { return m_tested; }
 
-  private:
+private:
     int32_t m_code;
     mutable int32_t m_tested;
 };
@@ -98,7 +98,7 @@ typedef ovErrorResponse (*ovErrorHandler)(const char* where, int32_t line, int32
 
 // The process-wide error reporter; all members are static.
 class OV_API ovError {
-  public:
+public:
     ovError() = delete;
 
     // Installs `handler` (null allowed) and `user_data`; returns the handler

@@ -23,7 +23,7 @@
 
 // What every parse result holds: the text, success, and where parsing stopped.
 class OV_API ovStringParseResultBase {
-  public:
+public:
     ovStringParseResultBase(const ovString& original, int success, const ovStringPos& position);
 
     // A copy of the whole text that was parsed.
@@ -35,7 +35,7 @@ class OV_API ovStringParseResultBase {
     // The text from position() on: what the parse did not consume.
     ovString remainder() const { return m_original.right(m_position); }
 
-  private:
+private:
     ovString m_original;
     int m_success;
     ovStringPos m_position;
@@ -43,50 +43,50 @@ class OV_API ovStringParseResultBase {
 
 // An integer parse.
 class OV_API ovStringParseIntResult : public ovStringParseResultBase {
-  public:
+public:
     ovStringParseIntResult(const ovString& original, int success, int result,
                            const ovStringPos& position);
     // The value read (0 when nothing was).
     int result() const noexcept { return m_result; }
 
-  private:
+private:
     int m_result;
 };
 
 // A double parse.
 class OV_API ovStringParseDoubleResult : public ovStringParseResultBase {
-  public:
+public:
     ovStringParseDoubleResult(const ovString& original, int success, double result,
                               const ovStringPos& position);
     // The value read (0 when nothing was).
     double result() const noexcept { return m_result; }
 
-  private:
+private:
     double m_result;
 };
 
 // A leading ASCII run; always successful.
 class OV_API ovStringParseAsciiResult : public ovStringParseResultBase {
-  public:
+public:
     ovStringParseAsciiResult(const ovString& original, const utString& ascii,
                              const ovStringPos& position);
     // The run as narrow text ("" when the run is empty).
     utString ascii() const { return m_ascii; }
 
-  private:
+private:
     utString m_ascii;
 };
 
 // Reads an int from the start of a text.
 class OV_API ovIStringToIntParser {
-  public:
+public:
     virtual ovStringParseIntResult parse(const ovString& s) const = 0;
     virtual ~ovIStringToIntParser();
 };
 
 // Reads a double from the start of a text.
 class OV_API ovIStringToDoubleParser {
-  public:
+public:
     virtual ovStringParseDoubleResult parse(const ovString& s) const = 0;
     virtual ~ovIStringToDoubleParser();
 };
@@ -100,7 +100,7 @@ typedef coPrf<ovIStringToDoubleParser> ovIStringToDoubleParsercoPrf;
 // wcstol clamps there itself; on POSIX long is wider and the clamp is ours, so
 // both give the same value).
 class OV_API ovStringLocaleIntParser final : public ovIStringToIntParser {
-  public:
+public:
     ovStringParseIntResult parse(const ovString& s) const override;
 };
 
@@ -109,7 +109,7 @@ class OV_API ovStringLocaleIntParser final : public ovIStringToIntParser {
 // 2147483648 reads as INT_MIN. The position counts the sign even when no
 // digit follows it (a lone "-" fails at position 1).
 class OV_API ovStringHandIntParser final : public ovIStringToIntParser {
-  public:
+public:
     ovStringParseIntResult parse(const ovString& s) const override;
 };
 
@@ -117,7 +117,7 @@ class OV_API ovStringHandIntParser final : public ovIStringToIntParser {
 // exponents and special values. Which special forms (inf, nan, hexadecimal)
 // are read is the runtime's own and differs between platforms.
 class OV_API ovStringLocaleDoubleParser final : public ovIStringToDoubleParser {
-  public:
+public:
     ovStringParseDoubleResult parse(const ovString& s) const override;
 };
 
@@ -127,13 +127,13 @@ class OV_API ovStringLocaleDoubleParser final : public ovIStringToDoubleParser {
 // separator (".5" is 0.5, "." fails); the position counts the sign and the
 // separator even on failure.
 class OV_API ovStringSimpleDoubleParser final : public ovIStringToDoubleParser {
-  public:
+public:
     ovStringParseDoubleResult parse(const ovString& s) const override;
 };
 
 // One integer parser and one double parser, shared between copies.
 class OV_API ovStringParser {
-  public:
+public:
     ovStringParser(const ovIStringToIntParsercoPrf& ints,
                    const ovIStringToDoubleParsercoPrf& doubles);
 
@@ -142,7 +142,7 @@ class OV_API ovStringParser {
     ovStringParseIntResult parse_int(const ovString& s) const;
     ovStringParseDoubleResult parse_double(const ovString& s) const;
 
-  private:
+private:
     ovIStringToIntParsercoPrf m_ints;
     ovIStringToDoubleParsercoPrf m_doubles;
 };
@@ -150,6 +150,6 @@ class OV_API ovStringParser {
 // Splits off the leading run of code points U+0001..U+007F. No white space is
 // skipped; an empty run is still a success.
 class OV_API ovStringAsciiParser {
-  public:
+public:
     ovStringParseAsciiResult parse(const ovString& s) const;
 };

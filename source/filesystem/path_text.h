@@ -12,7 +12,7 @@ constexpr size_t kNoIndex = static_cast<size_t>(-1);
 // Hands a finished new[] code-point array (ending in 0) to an ovString
 // without copying it again.
 class ClaimedText : public ovString {
-  public:
+public:
     explicit ClaimedText(const unsigned int* p) : ovString(utPTR_CLAIM, p) {}
 };
 

@@ -26,7 +26,7 @@ inline void record_box(const char* text, const char* caption, unsigned int style
 }
 
 class ErrorTest : public testing::Test {
-  protected:
+protected:
     void SetUp() override {
         const char* text = ovError::get_error_text();
         saved_text_ = text ? std::make_unique<std::string>(text) : nullptr;
