@@ -257,7 +257,7 @@ public:
 
 protected:
     // Reads the specifier text (from its "%" through its conversion).
-    void setup(const ovString& spec);
+    void setup(const ovString& text);
     static int is_number(char c) noexcept { return c >= '0' && c <= '9' ? 1 : 0; }
     ovString format_string(const ovString& s) const;
     ovString format_int(int v) const;

@@ -358,7 +358,7 @@ using namespace ovra_format;
 
 // The specifier's private fields, for the rendering functions of this file.
 struct ovStringFormatAccess {
-    typedef ovStringFormatSpecifier Spec;
+    typedef ovStringFormatSpecifier Field;
 
     static void accumulate(int& n, unsigned int c) noexcept {
         n = n * 10 + static_cast<int>(c - '0');
@@ -368,7 +368,7 @@ struct ovStringFormatAccess {
 
     // `setup` over code points: the same reading as over UTF-8 bytes, since
     // every character it looks for is ASCII. Past the end reads as 0.
-    static void setup(Spec& s, const unsigned int* q, size_t n) noexcept {
+    static void setup(Field& s, const unsigned int* q, size_t n) noexcept {
         const unsigned int* p = q + (n > 0 ? 1 : 0);
         const unsigned int* const e = q + n;
         int width = 0, zero_pad = 0, precision_given = 0, precision = 0;
@@ -432,7 +432,7 @@ struct ovStringFormatAccess {
     // Parses the specifier whose "%" is at t[i]; returns the index just past
     // its conversion letter, or len when the format ends inside it (then the
     // conversion is 0: the error text, no argument).
-    static size_t parse(Spec& s, const unsigned int* t, size_t len, size_t i) noexcept {
+    static size_t parse(Field& s, const unsigned int* t, size_t len, size_t i) noexcept {
         size_t j = i + 1;
         bool finished = false;
         while (j < len) {
@@ -472,7 +472,7 @@ struct ovStringFormatAccess {
 
     static void error(CodeBuffer& out) { out.ascii(kErrorText, kErrorLength); }
 
-    static void string_field(const Spec& s, CodeBuffer& out, const unsigned int* p, size_t len) {
+    static void string_field(const Field& s, CodeBuffer& out, const unsigned int* p, size_t len) {
         if (s.m_precision_given && len > static_cast<size_t>(s.m_precision))
             len = static_cast<size_t>(s.m_precision);
         if (len < static_cast<size_t>(s.m_width))
@@ -482,7 +482,7 @@ struct ovStringFormatAccess {
 
     // format_chars_with_sign: digits, zeros up to the precision, then the
     // padding and sign.
-    static void chars_field(const Spec& s, CodeBuffer& out, const char* digits, size_t nd,
+    static void chars_field(const Field& s, CodeBuffer& out, const char* digits, size_t nd,
                             bool negative) {
         if (nd == 0) {
             digits = "0";
@@ -496,7 +496,7 @@ struct ovStringFormatAccess {
         out.ascii(digits, nd);
     }
 
-    static void decimal_field(const Spec& s, CodeBuffer& out, uint64_t magnitude, bool negative) {
+    static void decimal_field(const Field& s, CodeBuffer& out, uint64_t magnitude, bool negative) {
         char buf[20];
         char* w = buf + sizeof(buf);
         for (; magnitude; magnitude /= 10)
@@ -504,7 +504,7 @@ struct ovStringFormatAccess {
         chars_field(s, out, w, static_cast<size_t>(buf + sizeof(buf) - w), negative);
     }
 
-    static void hex_field(const Spec& s, CodeBuffer& out, uint64_t v, bool upper) {
+    static void hex_field(const Field& s, CodeBuffer& out, uint64_t v, bool upper) {
         const char* set = upper ? "0123456789ABCDEF" : "0123456789abcdef";
         char buf[16];
         char* w = buf + sizeof(buf);
@@ -513,7 +513,7 @@ struct ovStringFormatAccess {
         chars_field(s, out, w, static_cast<size_t>(buf + sizeof(buf) - w), false);
     }
 
-    static void double_field(const Spec& s, CodeBuffer& out, double v) {
+    static void double_field(const Field& s, CodeBuffer& out, double v) {
         const char conv = s.m_conversion;
         const bool upper = conv == 'E' || conv == 'G';
         if (!std::isfinite(v)) {
@@ -619,7 +619,7 @@ struct ovStringFormatAccess {
     }
 
     // One argument, already taken, rendered by the specifier's conversion.
-    static void render_arg(const Spec& s, CodeBuffer& out, const ovStringFormatArg& a) {
+    static void render_arg(const Field& s, CodeBuffer& out, const ovStringFormatArg& a) {
         switch (s.m_conversion) {
         case 's':
             if (a.kind() != ovFORMAT_ARG_STRING) {
@@ -674,36 +674,24 @@ struct ovStringFormatAccess {
 
     // ovStringFormatSpecifier::format: takes the next argument when the
     // conversion takes one.
-    static void render(const Spec& s, CodeBuffer& out, ovStringFormatArgs& args) {
+    static void render(const Field& s, CodeBuffer& out, ovStringFormatArgs& args) {
         if (s.m_invalid) {
             error(out);
             return;
         }
-        switch (s.m_conversion) {
-        case '%':
+        if (s.m_conversion == '%') {
             out.push('%');
             return;
-        case 's':
-        case 'd':
-        case 'u':
-        case 'x':
-        case 'X':
-        case 'f':
-        case 'e':
-        case 'E':
-        case 'g':
-        case 'G': {
-            ovStringFormatArg a;
-            if (args.next(s.m_conversion, a))
-                render_arg(s, out, a);
-            else
-                error(out); // no argument left
-            return;
         }
-        default:
+        if (!ends_specifier(static_cast<unsigned char>(s.m_conversion))) {
             error(out); // unknown conversion: no argument taken
             return;
         }
+        ovStringFormatArg a;
+        if (args.next(s.m_conversion, a))
+            render_arg(s, out, a);
+        else
+            error(out); // no argument left
     }
 };
 
@@ -776,8 +764,8 @@ ovStringFormatSpecifier::ovStringFormatSpecifier(const ovString& fmt, ovStringPo
     }
 }
 
-void ovStringFormatSpecifier::setup(const ovString& spec) {
-    Access::setup(*this, spec.convert(ovSTRING_UTF32), spec.length());
+void ovStringFormatSpecifier::setup(const ovString& text) {
+    Access::setup(*this, text.convert(ovSTRING_UTF32), text.length());
 }
 
 ovString ovStringFormatSpecifier::format(ovStringFormatArgs& args) const {
@@ -890,7 +878,7 @@ ovString ovStringFormatter::format_with_list(const ovString& fmt, ovStringFormat
         return fmt.invalid() ? ovString(ovSTRING_EMPTY) : ovString(fmt);
 
     SmallArray<Range, 17> pieces(n + 1, Range{0, 0});
-    SmallArray<ovStringFormatSpecifier, 16> specs(n, ovStringFormatSpecifier());
+    SmallArray<ovStringFormatSpecifier, 16> fields(n, ovStringFormatSpecifier());
     SmallArray<int, 16> order(n); // positional mode only
     SmallArray<Slot, 16> results(n, Slot{0, 0, false});
     CodeBuffer out;
@@ -912,20 +900,20 @@ ovString ovStringFormatter::format_with_list(const ovString& fmt, ovStringFormat
             pieces[k] = Range{s, i};
             if (!positional && !Access::numbered(t, len, i)) {
                 // The usual case, parsed straight into its slot.
-                i = s = Access::parse(specs[k], t, len, i);
+                i = s = Access::parse(fields[k], t, len, i);
                 ++k;
                 continue;
             }
-            ovStringFormatSpecifier spec;
-            const size_t next = Access::parse(spec, t, len, i);
-            if (spec.m_has_position) {
+            ovStringFormatSpecifier field;
+            const size_t next = Access::parse(field, t, len, i);
+            if (field.m_has_position) {
                 if (k == 0) {
                     positional = true;
                     order.fill(n, -1);
                 }
-                const size_t number = static_cast<size_t>(spec.m_position);
+                const size_t number = static_cast<size_t>(field.m_position);
                 if (number >= 1 && number <= n) {
-                    specs[number - 1] = spec;
+                    fields[number - 1] = field;
                     if (positional) // the order is not used otherwise
                         order[number - 1] = static_cast<int>(k);
                 } else if (positional) {
@@ -937,13 +925,13 @@ ovString ovStringFormatter::format_with_list(const ovString& fmt, ovStringFormat
             } else if (positional) {
                 // Unnumbered in positional mode: "%%" in place, else the error text.
                 const size_t at = out.size();
-                if (spec.m_conversion == '%')
+                if (field.m_conversion == '%')
                     out.push('%');
                 else
                     Access::error(out);
                 results[k] = Slot{at, out.size() - at, true};
             } else {
-                specs[k] = spec;
+                fields[k] = field;
             }
             ++k;
             i = s = next;
@@ -961,7 +949,7 @@ ovString ovStringFormatter::format_with_list(const ovString& fmt, ovStringFormat
             slot = static_cast<size_t>(order[i]);
         }
         const size_t at = out.size();
-        Access::render(specs[i], out, args);
+        Access::render(fields[i], out, args);
         results[slot] = Slot{at, out.size() - at, true};
     }
 

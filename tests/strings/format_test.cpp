@@ -75,7 +75,7 @@ public:
 
 class TestSpecifier : public ovStringFormatSpecifier {
 public:
-    explicit TestSpecifier(const char* spec) { setup(from_utf8(spec)); }
+    explicit TestSpecifier(const char* format) { setup(from_utf8(format)); }
     using ovStringFormatSpecifier::format_chars_with_sign;
     using ovStringFormatSpecifier::format_double;
     using ovStringFormatSpecifier::format_hex;
@@ -382,13 +382,13 @@ TEST(ovStringFormat, DoublesMatchTheStepByStepAlgorithm) {
             v = -v;
         const char conv = convs[(r >> 8) % 5];
         const int precision = static_cast<int>((r >> 16) % 15) - 1; // -1: none
-        const std::string spec =
+        const std::string format =
             precision < 0 ? std::string("%") + conv : "%." + std::to_string(precision) + conv;
-        const std::string got = utf8_of(f.format(from_utf8(spec), v));
+        const std::string got = utf8_of(f.format(from_utf8(format), v));
         const std::string want = reference_double(conv, precision, v);
         if (got != want) {
             ++mismatches;
-            ADD_FAILURE() << spec << " of " << std::hexfloat << v << ": got " << got
+            ADD_FAILURE() << format << " of " << std::hexfloat << v << ": got " << got
                           << ", step by step " << want;
         }
     }
