@@ -280,7 +280,8 @@ void check_split(const Split& c, bool with_dot) {
     EXPECT_EQ(with_dot ? alias : d, with_dot ? c.extension : c.directory);
 }
 
-TEST(ovSplitPath, SplitPathUsesTheLastDotOfTheLastComponent) {
+// split_path: the last dot of the last component; split_path_with_dot: the first.
+TEST(ovSplitPath, SplitsAtTheLastOrTheFirstDot) {
     const Split cases[] = {
         {"d/a.tar.gz", "d", "a.tar", "gz"},
         {"name.txt", "", "name", "txt"},
@@ -294,10 +295,7 @@ TEST(ovSplitPath, SplitPathUsesTheLastDotOfTheLastComponent) {
     };
     for (const Split& c : cases)
         check_split(c, false);
-}
-
-TEST(ovSplitPath, SplitPathWithDotUsesTheFirstDot) {
-    const Split cases[] = {
+    const Split with_dot[] = {
         {"d/a.tar.gz", "d/", "a", ".tar.gz"},
         {"name.txt", "", "name", ".txt"},
         {"a\\b", "a\\", "b", ""},
@@ -308,7 +306,7 @@ TEST(ovSplitPath, SplitPathWithDotUsesTheFirstDot) {
         {"", "", "", ""},
         {nullptr, "", nullptr, ""},
     };
-    for (const Split& c : cases)
+    for (const Split& c : with_dot)
         check_split(c, true);
 }
 

@@ -21,43 +21,25 @@ namespace {
 
 const std::string kError = "Error formatting string";
 
-// Strings used as %s arguments; they outlive every table that points at them.
-const ovString& A() {
-    static const ovString s = from_utf8("A");
-    return s;
-}
-const ovString& B() {
-    static const ovString s = from_utf8("B");
-    return s;
-}
-const ovString& AB() {
-    static const ovString s = from_utf8("ab");
-    return s;
-}
-const ovString& Null() {
-    static const ovString s;
-    return s;
-}
+// "%s" arguments; they outlive every table that points at them.
+const ovString kA = from_utf8("A"), kB = from_utf8("B"), kAB = from_utf8("ab"), kNullStr;
 
 struct Case {
     const char* fmt;
     std::vector<ovStringFormatArg> args;
     std::string expected;
+    int used = -1; // arguments taken; -1: not checked
 };
 
-std::string run(const char* fmt, const std::vector<ovStringFormatArg>& args, int* used = nullptr) {
-    ovStringFormatArgs list(args.data(), static_cast<int>(args.size()));
-    const ovString out = ovStringFormatter().format_with_list(from_utf8(fmt), list);
-    EXPECT_FALSE(out.invalid()) << fmt;
-    EXPECT_FALSE(out.failed()) << fmt;
-    if (used)
-        *used = list.used();
-    return utf8_of(out);
-}
-
 void check_table(const std::vector<Case>& table) {
-    for (const Case& c : table)
-        EXPECT_EQ(run(c.fmt, c.args), c.expected) << "format \"" << c.fmt << "\"";
+    for (const Case& c : table) {
+        SCOPED_TRACE(testing::Message() << "format \"" << c.fmt << "\"");
+        ovStringFormatArgs list(c.args.data(), static_cast<int>(c.args.size()));
+        const ovString out = ovStringFormatter().format_with_list(from_utf8(c.fmt), list);
+        EXPECT_FALSE(out.invalid() || out.failed());
+        EXPECT_EQ(utf8_of(out), c.expected);
+        EXPECT_TRUE(c.used < 0 || list.used() == c.used) << "used " << list.used();
+    }
 }
 
 template <class... T> std::string fmt(const char* f, const T&... args) {
@@ -68,22 +50,10 @@ enum Colour { RED = 2 };
 enum class Big : long long { HUGE_VALUE = 10000000000LL };
 
 // Reaches the protected parts.
-class TestFormatter : public ovStringFormatter {
-public:
-    using ovStringFormatter::calculate_num_specifiers;
-};
-
 class TestSpecifier : public ovStringFormatSpecifier {
 public:
     explicit TestSpecifier(const char* format) { setup(from_utf8(format)); }
     using ovStringFormatSpecifier::format_chars_with_sign;
-    using ovStringFormatSpecifier::format_double;
-    using ovStringFormatSpecifier::format_hex;
-    using ovStringFormatSpecifier::format_int;
-    using ovStringFormatSpecifier::format_int_with_sign;
-    using ovStringFormatSpecifier::format_string;
-    using ovStringFormatSpecifier::format_unsigned_int;
-    using ovStringFormatSpecifier::is_number;
 };
 
 ovString va_format(const char* f, ...) {
@@ -96,40 +66,26 @@ ovString va_format(const char* f, ...) {
 
 } // namespace
 
-// ---- integers -------------------------------------------------------------
-
 TEST(ovStringFormat, IntegersPadWithTheSignInsideTheWidth) {
     check_table({
-        {"%d", {42}, "42"},
         {"%d", {0}, "0"},
-        {"%d", {-42}, "-42"},
         {"%6d", {-42}, "   -42"},
         {"%06d", {-42}, "-00042"},
         {"%06d", {42}, "000042"},
-        {"%4d", {-42}, " -42"},
         {"%3d", {-42}, "-42"}, // exactly the width: sign is the pad
         {"%2d", {-42}, "-42"}, // no room: sign in front
         {"%.4d", {7}, "0007"},
-        {"%.5d", {-42}, "-00042"},
         {"%8.5d", {-42}, "  -00042"},
         {"%06.3d", {5}, "000005"}, // zero padding applies with a precision
         {"%.0d", {0}, "0"},        // a zero value still writes "0"
         {"%.d", {3}, "3"},         // "." without digits: no precision
-        {"%1d", {12345}, "12345"},
         {"%d", {INT_MIN}, "-2147483648"},
-        {"%d", {INT_MAX}, "2147483647"},
-        {"%u", {4294967295u}, "4294967295"},
         {"%u", {-1}, "4294967295"},  // an int read unsigned, as printf does
         {"%d", {4294967295u}, "-1"}, // an unsigned read signed
         {"%5u", {7u}, "    7"},
-    });
-}
-
-TEST(ovStringFormat, HexHasNoPrefixAndTakesTheCaseOfTheConversion) {
-    check_table({
+        // Hexadecimal: no prefix, the case of the conversion.
         {"%x", {0}, "0"},
         {"%X", {255}, "FF"},
-        {"%x", {255}, "ff"},
         {"%x", {0xDEADBEEFu}, "deadbeef"},
         {"%8x", {0xBEEF}, "    beef"},
         {"%08X", {0xBEEF}, "0000BEEF"},
@@ -144,51 +100,40 @@ TEST(ovStringFormat, OtherIntegerTypesKeepTheirWidth) {
         {"%d", {std::numeric_limits<long long>::min()}, "-9223372036854775808"},
         {"%u", {std::numeric_limits<unsigned long long>::max()}, "18446744073709551615"},
         {"%x", {-1LL}, "ffffffffffffffff"},
-        {"%X", {0x123456789ABCDEFull}, "123456789ABCDEF"},
         {"%d", {static_cast<short>(-5)}, "-5"},
         {"%u", {static_cast<unsigned char>(200)}, "200"},
-        {"%d", {'A'}, "65"},
         {"%d", {true}, "1"},
         {"%d", {RED}, "2"},
         {"%d", {Big::HUGE_VALUE}, "10000000000"},
-        {"%d", {static_cast<int64_t>(-7)}, "-7"},
     });
 }
-
-// ---- strings --------------------------------------------------------------
 
 TEST(ovStringFormat, StringsAreRightAlignedAndCutByPrecision) {
     const ovString accent = from_utf8("\xC3\xA9t\xC3\xA9");          // été
     const ovString japanese = from_utf8("\xE6\x97\xA5\xE6\x9C\xAC"); // 日本
     check_table({
-        {"%s", {AB()}, "ab"},
-        {"%5s", {AB()}, "   ab"},
-        {"%.1s", {AB()}, "a"},
-        {"%.0s", {AB()}, ""},
-        {"%.5s", {AB()}, "ab"},
-        {"%5.1s", {AB()}, "    a"}, // the width measures what is kept
-        {"%05s", {AB()}, "000ab"},
-        {"%1s", {AB()}, "ab"},
-        {"%s", {Null()}, ""},
-        {"%3s", {Null()}, "   "},
+        {"%5s", {kAB}, "   ab"},
+        {"%.1s", {kAB}, "a"},
+        {"%.0s", {kAB}, ""},
+        {"%5.1s", {kAB}, "    a"}, // the width measures what is kept
+        {"%05s", {kAB}, "000ab"},
+        {"%s", {kNullStr}, ""},
+        {"%3s", {kNullStr}, "   "},
         {"[%4s]", {accent}, "[ \xC3\xA9t\xC3\xA9]"}, // code points, not bytes
         {"%.1s", {japanese}, "\xE6\x97\xA5"},
     });
 }
 
-// ---- literal text and "%%" ------------------------------------------------
-
 TEST(ovStringFormat, PercentSignsAndPlainText) {
     check_table({
         {"100%%", {}, "100%"},
-        {"%%d", {}, "%d"},
-        {"%%%d", {5}, "%5"},
-        {"no specifiers", {}, "no specifiers"},
+        {"%%%d", {5}, "%5"}, // "%%" is one slot: no error text after
+        {"%%%%", {}, "%%"},
         {"", {}, ""},
         // "%" ignores the width; the "%" ending "%5%" was counted as a
         // specifier of its own, so its slot renders the error text.
         {"%5%", {}, "%" + kError},
-        {"a%db%sc", {1, AB()}, "a1babc"},
+        {"a%db%sc", {1, kAB}, "a1babc"},
         {"\303\251%d\303\274", {5}, "\303\2515\303\274"}, // é%dü
         // "%%" is counted once, so "%5%" (one specifier) leaves one counted
         // slot that nothing fills: it renders the error text at the end.
@@ -196,78 +141,37 @@ TEST(ovStringFormat, PercentSignsAndPlainText) {
     });
 }
 
-TEST(ovStringFormat, CountingTreatsPercentPercentAsOne) {
-    const TestFormatter f;
-    const struct {
-        const char* fmt;
-        int count;
-    } table[] = {
-        {"", 0},     {"abc", 0},       {"%", 1},    {"%%", 1},        {"%%%", 2},
-        {"%%%%", 2}, {"a%db%%c%s", 3}, {"%5%d", 2}, {"%1$s %2$s", 2},
-    };
-    for (const auto& c : table)
-        EXPECT_EQ(f.calculate_num_specifiers(from_utf8(c.fmt)), c.count) << c.fmt;
-    EXPECT_EQ(f.calculate_num_specifiers(ovString()), 0);
-}
-
-// ---- doubles --------------------------------------------------------------
-
-TEST(ovStringFormat, FixedNotation) {
+// Hand-checked anchors for the step-by-step oracle further down, with widths,
+// signs and the quirks.
+TEST(ovStringFormat, DoublesInEachNotation) {
     check_table({
         {"%f", {3.14159}, "3.141590"},
-        {"%8.3f", {3.14159}, "   3.142"},
         {"%010.3f", {3.14159}, "000003.142"},
         {"%010.2f", {-3.5}, "-000003.50"},
         {"%9.2f", {-3.5}, "    -3.50"},
         {"%f", {0.0}, "0.000000"},
         {"%f", {-0.0}, "0.000000"}, // negative zero has no sign
-        {"%f", {-1.5}, "-1.500000"},
-        {"%f", {0.5}, "0.500000"},
-        {"%.0f", {2.4}, "2"},
-        {"%.0f", {9.6}, "0"},    // the carried digit is dropped (step 14)
-        {"%.0f", {99.5}, "00"},  // likewise: two digits from x = 1
-        {"%.1f", {0.25}, "0.3"}, // + 0.5 rounds halves up
-        {"%.2f", {1234.5}, "1234.50"},
+        {"%.0f", {9.6}, "0"},       // the carried digit is dropped
+        {"%.0f", {99.5}, "00"},     // likewise: two digits from x = 1
+        {"%.1f", {0.25}, "0.3"},    // + 0.5 rounds halves up
         {"%f", {1.0f}, "1.000000"}, // float
         {"%f", {3}, "3.000000"},    // an integer is converted
-        {"%f", {-2LL}, "-2.000000"},
-    });
-}
-
-TEST(ovStringFormat, ExponentNotation) {
-    check_table({
         {"%e", {12345.678}, "1.234568e+04"},
         {"%E", {0.00012}, "1.200000E-04"},
         {"%e", {1e123}, "1.000000e+23"}, // two exponent digits only
         {"%e", {1e-300}, "1.000000e-00"},
         {"%e", {0.0}, "0.000000e+00"},
-        {"%e", {-1.5}, "-1.500000e+00"},
         {"%.0e", {5.0}, "5e+00"},
-        {"%.2e", {123.0}, "1.23e+02"},
-        {"%e", {9.9999999}, "0.000000e+00"}, // carry dropped (step 14)
+        {"%e", {9.9999999}, "0.000000e+00"}, // carry dropped
         {"%14e", {-1.5}, " -1.500000e+00"},
         {"%014e", {-1.5}, "-01.500000e+00"},
-    });
-}
-
-TEST(ovStringFormat, GeneralNotation) {
-    check_table({
         {"%g", {0.0001}, "0.0001"},
         {"%g", {1000000.0}, "1e+06"},
-        {"%g", {0.0}, "0"},
-        {"%g", {123.456}, "123.456"},
-        {"%g", {100.0}, "100"},
         {"%g", {100000.0}, "100000"},
-        {"%g", {0.5}, "0.5"},
-        {"%g", {-2.5}, "-2.5"},
         {"%8g", {-2.5}, "    -2.5"},
         {"%08g", {-2.5}, "-00002.5"},
-        {"%g", {1.5e10}, "1.5e+10"},
         {"%G", {1.5e-5}, "1.5E-05"},
-        {"%g", {0.00001234}, "1.234e-05"},
         {"%.0g", {123.0}, "1e+02"}, // precision 0 becomes 1
-        {"%.0g", {0.5}, "0.5"},
-        {"%.3g", {3.14159}, "3.14"},
         {"%5g", {0.0}, "    0"},
     });
 }
@@ -281,7 +185,6 @@ TEST(ovStringFormat, DoublesOutsideTheUsualRange) {
         {"%G", {nan}, "NAN"},
         {"%6f", {nan}, "   nan"},
         {"%06f", {-inf}, "  -inf"}, // never zero padded
-        {"%g", {inf}, "inf"},
         // A denormal: 10^(p - x) is applied in steps so it stays finite.
         {"%e", {4.9406564584124654e-324}, "4.940656e-24"},
         // |v| x 10^p overflows: zeros after the point, digits of |v| before.
@@ -294,13 +197,12 @@ TEST(ovStringFormat, DoublesOutsideTheUsualRange) {
     const std::string big = fmt("%f", 1e308);
     EXPECT_EQ(big.size(), 316u);
     EXPECT_EQ(big.substr(309), ".000000");
-    const std::string max = fmt("%f", std::numeric_limits<double>::max());
-    EXPECT_EQ(max.size(), 316u);
+    EXPECT_EQ(fmt("%f", std::numeric_limits<double>::max()).size(), 316u);
 }
 
 namespace {
 
-// Steps 1-12 of the double rendering written out plainly, with the C
+// The double rendering written out plainly, with the C
 // runtime's floor(log10()) and the full chain of divisions by 10: the oracle
 // for the formatter's faster but equivalent digit production.
 std::string reference_double(char conv, int precision, double v) {
@@ -394,126 +296,92 @@ TEST(ovStringFormat, DoublesMatchTheStepByStepAlgorithm) {
     }
 }
 
-// ---- argument numbers -----------------------------------------------------
-
 TEST(ovStringFormat, PositionalSpecifiersTakeArgumentsInNumberOrder) {
     check_table({
-        {"%2$s %1$s", {A(), B()}, "B A"},
-        {"%1$s %2$s", {A(), B()}, "A B"},
+        {"%2$s %1$s", {kA, kB}, "B A"},
         {"%1$5d|%2$05d", {1, 2}, "    1|00002"},
-        {"%2$.1s %1$x", {255, AB()}, "a ff"},
-        {"%3$d%1$d%2$d", {1, 2, 3}, "312"},
+        {"%2$.1s %1$x", {255, kAB}, "a ff"},
         {"%1$%", {}, "%" + kError}, // as "%5%": one slot more than specifiers
         // An unknown conversion takes no argument, in positional mode too:
         // "%2$s" then takes the first argument.
-        {"%1$-d %2$s", {A(), B()}, kError + " A"},
-    });
-}
-
-TEST(ovStringFormat, PositionalFormatsWithGapsRepeatsAndStrayNumbers) {
-    check_table({
+        {"%1$-d %2$s", {kA, kB}, kError + " A"},
         // "%%" renders in place; other unnumbered specifiers are errors.
         {"%1$d%%", {5}, "5%"},
-        {"%1$s %s", {A(), B()}, "A " + kError},
+        {"%1$s %s", {kA, kB}, "A " + kError},
         // A number beyond the count of specifiers: the error text, no argument.
-        {"%2$s", {A(), B()}, kError},
-        {"%1$s %3$s", {A(), B(), B()}, "A " + kError},
+        {"%2$s", {kA, kB}, kError, 0},
         // A gap within the count takes no argument: "%3$s" takes B.
-        {"%1$s %% %3$s", {A(), B()}, "A % B"},
+        {"%1$s %% %3$s", {kA, kB}, "A % B"},
         // The same number twice: the later one takes the argument.
-        {"%1$s %1$s", {A()}, kError + " A"},
+        {"%1$s %1$s", {kA}, kError + " A"},
         // Position 0 is not a position: "$" becomes the conversion.
-        {"%0$s", {A()}, kError},
+        {"%0$s", {kA}, kError},
         // Non-positional mode (the first specifier decides): a later number
         // stores its specifier at that slot, leaving its own empty.
-        {"%s %1$s", {A(), B()}, "A " + kError},
-        {"%s %5$s", {A(), B()}, "A " + kError},
+        {"%s %1$s", {kA, kB}, "A " + kError},
+        {"%s %5$s", {kA, kB}, "A " + kError},
     });
 }
-
-// ---- conversions that render the error text -------------------------------
 
 TEST(ovStringFormat, UnknownConversionsTakeNoArgument) {
     check_table({
-        {"%-5d", {7}, kError},
+        {"%-5d", {7}, kError, 0},
         {"%-5d|%d", {7}, kError + "|7"},
         {"%ld %d", {7}, kError + " 7"},
-        {"%+d", {7}, kError},
-        {"% d", {7}, kError},
         {"%#x", {7}, kError},
         {"%5.2lf", {1.0}, kError},
         {"%\303\251d|%d", {1}, kError + "|1"}, // %éd
         // The scan runs to the next conversion letter: "%c and" is one specifier.
         {"%c and %d", {5}, kError + " 5"},
     });
-    int used = -1;
-    EXPECT_EQ(run("%-5d", {7}, &used), kError);
-    EXPECT_EQ(used, 0);
 }
 
 TEST(ovStringFormat, MissingArgumentsRenderTheErrorText) {
     check_table({
-        {"%d", {}, kError},
         {"%d %d", {1}, "1 " + kError},
         {"%s|%f|%x", {}, kError + "|" + kError + "|" + kError},
-        {"%2$s %1$s", {A()}, kError + " A"},
+        {"%2$s %1$s", {kA}, kError + " A"},
+        {"%d %d", {1, 2, 3}, "1 2", 2}, // extra arguments are ignored
     });
-    int used = -1;
-    EXPECT_EQ(run("%d %d", {1, 2, 3}, &used), "1 2"); // extra arguments are ignored
-    EXPECT_EQ(used, 2);
 }
 
 TEST(ovStringFormat, WrongKindsTakeTheArgumentAndRenderTheErrorText) {
     check_table({
-        {"%d", {A()}, kError},
-        {"%d %d", {A(), 5}, kError + " 5"}, // the string was taken
-        {"%s", {5}, kError},
-        {"%s %s", {5, A()}, kError + " A"},
+        {"%d %d", {kA, 5}, kError + " 5", 2},
+        {"%s %s", {5, kA}, kError + " A"},
         {"%x", {2.5}, kError},
-        {"%u", {2.5}, kError},
-        {"%f", {A()}, kError},
-        {"%g", {1}, "1"}, // integers convert to double
+        {"%f", {kA}, kError},
     });
 }
 
 TEST(ovStringFormat, FormatsEndingInsideASpecifier) {
     check_table({
-        {"abc%", {}, "abc" + kError},
-        {"%", {}, kError},
+        {"abc %", {7}, "abc " + kError, 0},
         {"%5", {1}, kError},
         {"%.3", {1}, kError},
-        {"%1$", {A()}, kError},
+        {"%1$", {kA}, kError},
         {"%d%", {1}, "1" + kError},
         {"x%-", {}, "x" + kError},
     });
-    int used = -1;
-    EXPECT_EQ(run("abc %", {7}, &used), "abc " + kError);
-    EXPECT_EQ(used, 0);
 }
 
 TEST(ovStringFormat, HugeNumbersAreClamped) {
     EXPECT_EQ(fmt("%200000d", 1).size(), 100000u);
     EXPECT_EQ(fmt("%99999999999999999999d", 1).size(), 100000u);
-    EXPECT_EQ(fmt("%.99999999999s", AB()), "ab");
-    EXPECT_EQ(fmt("%99999999999$s", A()), kError);
+    EXPECT_EQ(fmt("%.99999999999s", kAB), "ab");
+    EXPECT_EQ(fmt("%99999999999$s", kA), kError);
 }
-
-// ---- whole formats --------------------------------------------------------
 
 TEST(ovStringFormat, TypeSafeEntryAndNullOrFailedFormats) {
     EXPECT_EQ(fmt("%d items, %s, %8.3f, %x", 42, from_utf8("widgets"), 3.14159, 0xBEEFu),
               "42 items, widgets,    3.142, beef");
-    EXPECT_EQ(fmt("plain"), "plain");
     EXPECT_EQ(fmt("%%"), "%");
 
     const ovStringFormatter f;
-    const ovString from_null = f.format(ovString(), 1, 2);
-    EXPECT_FALSE(from_null.invalid());
-    EXPECT_TRUE(from_null.empty());
-    EXPECT_FALSE(f.format(ovString()).invalid());
+    for (const ovString& from_null : {f.format(ovString(), 1, 2), f.format(ovString())})
+        EXPECT_TRUE(!from_null.invalid() && from_null.empty());
 
-    int st = -1;
-    const ovString bad(ovSTRING_UTF8, "\xC3\x28", st);
+    const ovString bad = from_utf8("\xC3\x28");
     ASSERT_TRUE(bad.failed());
     const ovString out = f.format(bad, 1);
     EXPECT_FALSE(out.failed());
@@ -523,7 +391,6 @@ TEST(ovStringFormat, TypeSafeEntryAndNullOrFailedFormats) {
     const ovStringFormatArg args[] = {1, 2, 3};
     ovStringFormatArgs list(args, 3);
     EXPECT_EQ(utf8_of(f.format_with_list(from_utf8("%d"), list)), "1");
-    EXPECT_EQ(list.used(), 1);
     EXPECT_EQ(list.remaining(), 2);
     EXPECT_EQ(utf8_of(f.format_with_list(from_utf8("%d-%d"), list)), "2-3");
     EXPECT_EQ(list.remaining(), 0);
@@ -539,48 +406,36 @@ TEST(ovStringFormat, VaListEntryReadsCTypes) {
     EXPECT_EQ(utf8_of(va_format("[%3s]", static_cast<const ovString*>(nullptr))), "[   ]");
     EXPECT_EQ(utf8_of(va_format("%2$s %1$d", 5, &name)), "widgets 5");
     EXPECT_EQ(utf8_of(va_format("%-5d|%d", 9)), kError + "|9");
-    EXPECT_EQ(utf8_of(va_format("100%%")), "100%");
 }
-
-// ---- the specifier on its own -------------------------------------------
 
 TEST(ovStringFormatSpecifier, ParsesEachPart) {
     const struct {
         const char* fmt;
-        char conversion;
-        int width, zero_pad, precision_given, precision, has_position, position;
-        size_t end;
+        std::vector<int> parts; // conversion, width, zero pad, precision given,
+                                // precision, has position, position, end index
     } table[] = {
-        {"%d", 'd', 0, 0, 0, 0, 0, 0, 2},
-        {"%5d", 'd', 5, 0, 0, 0, 0, 0, 3},
-        {"%05d", 'd', 5, 1, 0, 0, 0, 0, 4},
-        {"%0d", 'd', 0, 0, 0, 0, 0, 0, 3}, // n = 0: neither width nor zero pad
-        {"%.3f", 'f', 0, 0, 1, 3, 0, 0, 4},
-        {"%.f", 'f', 0, 0, 0, 0, 0, 0, 3},
-        {"%12.4e", 'e', 12, 0, 1, 4, 0, 0, 6},
-        {"%2$08.3f", 'f', 8, 1, 1, 3, 1, 2, 8},
-        {"%1$5s", 's', 5, 0, 0, 0, 1, 1, 5},
-        {"%%", '%', 0, 0, 0, 0, 0, 0, 2},
-        {"%5%", '%', 5, 0, 0, 0, 0, 0, 3},
-        {"%-5d", '-', 0, 0, 0, 0, 0, 0, 4},
-        {"%ld", 'l', 0, 0, 0, 0, 0, 0, 3},
-        {"%5", 0, 5, 0, 0, 0, 0, 0, 2}, // unfinished: stops at the end
-        {"%1$", 0, 0, 0, 0, 0, 1, 1, 3},
-        {"%dxyz", 'd', 0, 0, 0, 0, 0, 0, 2},
+        {"%d", {'d', 0, 0, 0, 0, 0, 0, 2}},
+        {"%05d", {'d', 5, 1, 0, 0, 0, 0, 4}},
+        {"%0d", {'d', 0, 0, 0, 0, 0, 0, 3}}, // n = 0: neither width nor zero pad
+        {"%.f", {'f', 0, 0, 0, 0, 0, 0, 3}},
+        {"%12.4e", {'e', 12, 0, 1, 4, 0, 0, 6}},
+        {"%2$08.3f", {'f', 8, 1, 1, 3, 1, 2, 8}},
+        {"%5%", {'%', 5, 0, 0, 0, 0, 0, 3}},
+        {"%-5d", {'-', 0, 0, 0, 0, 0, 0, 4}},
+        {"%5", {0, 5, 0, 0, 0, 0, 0, 2}}, // unfinished: stops at the end
+        {"%1$", {0, 0, 0, 0, 0, 1, 1, 3}},
+        {"%dxyz", {'d', 0, 0, 0, 0, 0, 0, 2}},
     };
     for (const auto& c : table) {
+        SCOPED_TRACE(c.fmt);
         const ovString f = from_utf8(c.fmt);
         ovStringPos pos = f.begin();
         const ovStringFormatSpecifier s(f, pos);
-        EXPECT_FALSE(s.invalid()) << c.fmt;
-        EXPECT_EQ(s.conversion(), c.conversion) << c.fmt;
-        EXPECT_EQ(s.width(), c.width) << c.fmt;
-        EXPECT_EQ(s.zero_pad(), c.zero_pad) << c.fmt;
-        EXPECT_EQ(s.precision_given(), c.precision_given) << c.fmt;
-        EXPECT_EQ(s.precision(), c.precision) << c.fmt;
-        EXPECT_EQ(s.has_position(), c.has_position) << c.fmt;
-        EXPECT_EQ(s.position(), c.position) << c.fmt;
-        EXPECT_EQ(pos.index(), c.end) << c.fmt;
+        EXPECT_FALSE(s.invalid());
+        const std::vector<int> got = {
+            s.conversion(), s.width(),        s.zero_pad(), s.precision_given(),
+            s.precision(),  s.has_position(), s.position(), static_cast<int>(pos.index())};
+        EXPECT_EQ(got, c.parts);
     }
 }
 
@@ -604,42 +459,29 @@ TEST(ovStringFormatSpecifier, DefaultAndOutOfRangeSpecifiersAreInvalid) {
     EXPECT_EQ(utf8_of(d.format(list)), kError); // used up
 }
 
-TEST(ovStringFormatSpecifier, RenderingHelpers) {
-    EXPECT_EQ(TestSpecifier::is_number('0'), 1);
-    EXPECT_EQ(TestSpecifier::is_number('9'), 1);
-    EXPECT_EQ(TestSpecifier::is_number('a'), 0);
-
+// Derived specifiers may pass no digits at all.
+TEST(ovStringFormatSpecifier, SignedDigitsWithoutDigitsWriteZero) {
     const TestSpecifier w6("%6d");
     EXPECT_EQ(utf8_of(w6.format_chars_with_sign("", 0)), "     0");
-    EXPECT_EQ(utf8_of(w6.format_chars_with_sign("42", 1)), "   -42");
     EXPECT_EQ(utf8_of(w6.format_chars_with_sign(nullptr, 0)), "     0");
-    EXPECT_EQ(utf8_of(w6.format_int(INT_MIN)), "-2147483648");
-    EXPECT_EQ(utf8_of(w6.format_int_with_sign(42u, 1)), "   -42");
-    EXPECT_EQ(utf8_of(w6.format_unsigned_int(4294967295u)), "4294967295");
-    EXPECT_EQ(utf8_of(w6.format_hex(255u, 1)), "    FF");
-    EXPECT_EQ(utf8_of(w6.format_string(AB())), "    ab");
-    EXPECT_EQ(utf8_of(TestSpecifier("%.2e").format_double(123.0)), "1.23e+02");
-    EXPECT_EQ(utf8_of(TestSpecifier("%g").format_double(1e-5)), "1e-05");
+    EXPECT_EQ(utf8_of(w6.format_chars_with_sign("42", 1)), "   -42");
 }
 
-// ---- the builder ----------------------------------------------------------
-
 TEST(ovStringBuilder, JoinsPiecesIntoOneString) {
-    ovStringBuilder empty;
-    const ovString none = empty.build();
-    EXPECT_FALSE(none.invalid());
-    EXPECT_TRUE(none.empty());
+    const ovString none = ovStringBuilder().build();
+    EXPECT_TRUE(!none.invalid() && none.empty());
 
     for (int expected : {-5, 0, 1, 2, 3, 1000}) {
+        SCOPED_TRACE(expected);
         ovStringBuilder b(expected);
         b.append(from_utf8("ab"));
         b += ovString(); // a null piece counts as empty
         b += ovString(ovSTRING_EMPTY);
         b += from_utf8("\xE6\x97\xA5");
-        EXPECT_EQ(b.size(), 4) << expected;
+        EXPECT_EQ(b.size(), 4);
         const ovString out = b.build();
         EXPECT_FALSE(out.failed());
-        EXPECT_EQ(code_points(out), (codes{'a', 'b', 0x65E5})) << expected;
+        EXPECT_EQ(code_points(out), (codes{'a', 'b', 0x65E5}));
     }
 
     // More pieces than one page (2^5) holds.
