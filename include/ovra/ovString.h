@@ -40,7 +40,7 @@ class ovString;
 
 // The shared code points of ovString: one allocation holds an atomic use count
 // followed by the text, so copies on other threads may share and drop it.
-class ovStringText {
+class OV_API ovStringText {
 public:
     ovStringText() noexcept : m_text(nullptr) {}
     ovStringText(const ovStringText& o) noexcept;
@@ -214,8 +214,16 @@ public:
     bool operator!=(const ovString& o) const noexcept { return !(*this == o); }
 
 protected:
-    // Takes ownership of a new[] array ending in a 0 code point.
+    // Takes ownership of a new[] array ending in a 0 code point; the text is
+    // copied into a shared block (builders use with_room and write in place).
     ovString(utPtrClaim, const unsigned int* p);
+
+    // A valid string with room for n code points, terminator stored, whose
+    // text a builder writes in place through `text` before sharing it. The
+    // text must hold no 0.
+    static ovString with_room(size_t n, unsigned int*& text);
+    // Cuts a string fresh from with_room to its first n code points.
+    static void shorten(ovString& s, size_t n) noexcept;
 
     const unsigned int* internal_string() const noexcept { return m_buffer.get(); }
 

@@ -4,10 +4,10 @@
 
 #include <cstring>
 
-using ovra_internal::ClaimedText;
 using ovra_internal::kNoIndex;
 using ovra_internal::last_index_of;
 using ovra_internal::slice;
+using ovra_internal::TextBuilder;
 
 namespace {
 
@@ -68,7 +68,8 @@ template <bool Backslash> ovString tidy(const ovString& text) {
 
     // Sized for the text before collapsing: a few spare code points are
     // cheaper than a counting pass.
-    unsigned int* out = new unsigned int[end + 1];
+    unsigned int* out;
+    ovString result = TextBuilder::with_room(end, out);
     size_t o = 0;
     for (size_t i = 0; i < root; ++i)
         out[o++] = is_sep<Backslash>(s[i]) ? kSlash : s[i];
@@ -80,8 +81,8 @@ template <bool Backslash> ovString tidy(const ovString& text) {
         out[o++] = sep ? kSlash : s[i];
         after_sep = sep;
     }
-    out[o] = 0;
-    return ClaimedText(out);
+    TextBuilder::shorten(result, o);
+    return result;
 }
 
 // "." is the commonest made-up result; one shared buffer serves them all.
@@ -113,15 +114,15 @@ ovString ovra_internal::join(const ovString& a, unsigned int mid, const ovString
     const size_t na = a.length();
     const size_t nm = mid ? 1 : 0;
     const size_t nb = b.length();
-    unsigned int* out = new unsigned int[na + nm + nb + 1];
+    unsigned int* out;
+    ovString result = TextBuilder::with_room(na + nm + nb, out);
     if (na)
         std::memcpy(out, a.convert(ovSTRING_UTF32), na * sizeof(unsigned int));
     if (nm)
         out[na] = mid;
     if (nb)
         std::memcpy(out + na + nm, b.convert(ovSTRING_UTF32), nb * sizeof(unsigned int));
-    out[na + nm + nb] = 0;
-    return ClaimedText(out);
+    return result;
 }
 
 // ---- ovPathName ---------------------------------------------------------

@@ -2,19 +2,13 @@
 #pragma once
 
 #include "ovra/ovString.h"
+#include "strings/text_builder.h"
 
 #include <cstddef>
 
 namespace ovra_internal {
 
 constexpr size_t kNoIndex = static_cast<size_t>(-1);
-
-// Hands a finished new[] code-point array (ending in 0) to an ovString
-// without copying it again.
-class ClaimedText : public ovString {
-public:
-    explicit ClaimedText(const unsigned int* p) : ovString(utPTR_CLAIM, p) {}
-};
 
 // Index of the last `c` in the text, kNoIndex when none (or null).
 inline size_t last_index_of(const ovString& text, unsigned int c) noexcept {

@@ -18,10 +18,6 @@ using ovra_internal::kFailedUtf16;
 using ovra_internal::kFailedUtf8;
 using ovra_internal::kUnsafeAscii;
 
-// Builds the UTF-8 form at every claim, copy and assignment when on. Nothing
-// turns it on; it is kept for diagnosing cache-related faults.
-bool the_eager_utf8_cache = false;
-
 // The use count sits just before the text; 8 bytes keep the text aligned.
 typedef std::atomic<size_t> Uses;
 static_assert(sizeof(Uses) % alignof(unsigned int) == 0, "text must stay aligned");
@@ -126,10 +122,7 @@ ovString::ovString(ovStringSafeASCII, const char* s, int& status) : ovString() {
 }
 
 ovString::ovString(const ovString& o)
-    : m_buffer(o.m_buffer), m_length(o.m_length), m_failed(0), m_utf8(), m_utf16(), m_wide() {
-    if (the_eager_utf8_cache)
-        convert(ovSTRING_UTF8);
-}
+    : m_buffer(o.m_buffer), m_length(o.m_length), m_failed(0), m_utf8(), m_utf16(), m_wide() {}
 
 ovString::ovString(utCopy, const ovString& o) : ovString() {
     if (o.invalid())
@@ -168,7 +161,7 @@ ovString& ovString::operator=(ovString&& o) noexcept {
 }
 
 void ovString::swap(ovString& o) noexcept {
-    std::swap(m_buffer, o.m_buffer);
+    m_buffer.swap(o.m_buffer);
     std::swap(m_length, o.m_length);
     std::swap(m_failed, o.m_failed);
     std::swap(m_utf8, o.m_utf8);
@@ -200,8 +193,20 @@ void ovString::init(utPtrClaim, const unsigned int* p) {
     std::unique_ptr<const unsigned int[]> claimed(p);
     const size_t n = length_utf32(p); // an embedded 0 cuts the text, on purpose
     copy(init_text(n), p, n);
-    if (the_eager_utf8_cache)
-        convert(ovSTRING_UTF8);
+}
+
+ovString ovString::with_room(size_t n, unsigned int*& text) {
+    ovString s;
+    text = s.init_text(n);
+    return s;
+}
+
+void ovString::shorten(ovString& s, size_t n) noexcept {
+    if (s.m_buffer && n < s.m_length) {
+        // Nothing shares a fresh text yet, so it may still be written.
+        const_cast<unsigned int*>(s.internal_string())[n] = 0;
+        s.m_length = n;
+    }
 }
 
 unsigned int* ovString::init_text(size_t n) {
@@ -230,8 +235,6 @@ void ovString::init_utf8(const char* p) {
     }
     // No 0 byte before n, so the length is known without a scan.
     ovra_internal::decode_exact_utf8(p, n, init_text(chars));
-    if (the_eager_utf8_cache)
-        convert(ovSTRING_UTF8);
 }
 
 void ovString::init_utf16(const ovChar16* p, size_t n) {

@@ -13,18 +13,15 @@ void ovString::init_l(const wchar_t* p) {
     if (!p)
         return;
     const size_t n = std::wcslen(p);
-    unsigned int* buf = new unsigned int[n + 1];
+    unsigned int* buf = init_text(n);
     for (size_t i = 0; i < n; ++i) {
         const uint32_t c = static_cast<uint32_t>(p[i]);
         if ((c >= 0xD800 && c <= 0xDFFF) || c > 0x10FFFF) {
-            delete[] buf;
-            init_failed(ovra_internal::kFailedUtf16);
+            init_failed(ovra_internal::kFailedUtf16); // drops the text begun
             return;
         }
         buf[i] = c;
     }
-    buf[n] = 0;
-    init(utPTR_CLAIM, buf);
 }
 
 const wchar_t* ovString::convert(ovStringWcs) const {
