@@ -74,9 +74,10 @@
 //   specifiers have the same number, the later one takes the argument and
 //   the earlier renders "Error formatting string".
 // - Non-positional mode (first specifier without a number): a later numbered
-//   specifier is stored at slot number - 1 as the rules say, replacing what was
-//   there; a number outside 1..count is ignored (the slot keeps its own
-//   specifier or renders the error text).
+//   specifier renders "Error formatting string" in its place and takes no
+//   argument. Mixing the two kinds is not supported, and this way no slot is
+//   ever read with another specifier's kind of argument (which, through a
+//   va_list, would misread memory).
 // - Widths, precisions and argument numbers above 100000 count as 100000.
 // - Doubles: infinities render "inf" / "-inf", NaN "nan" ("INF", "NAN" for
 //   "%E" and "%G"), padded with blanks to the width. When |v| x 10^precision

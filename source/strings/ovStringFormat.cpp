@@ -9,6 +9,8 @@
 // the same as the piece-by-piece build.
 #include "ovra/ovStringFormat.h"
 
+#include "strings/text_builder.h"
+
 #include <climits>
 #include <cmath>
 #include <cstring>
@@ -149,25 +151,13 @@ inline void copy_codes(unsigned int* dst, const unsigned int* src, size_t n) noe
         dst[i] = src[i];
 }
 
-// Claims a new[] array of code points ending in 0 as an ovString (the
-// claiming constructor is protected).
-class ClaimedString : public ovString {
-public:
-    explicit ClaimedString(const unsigned int* p) : ovString(utPTR_CLAIM, p) {}
-};
-
-ovString claim(const unsigned int* p) {
-    ClaimedString s(p);
-    return ovString(std::move(s));
-}
-
 // One allocation: n code points and a terminator.
 ovString make_string(const unsigned int* src, size_t n) {
-    unsigned int* p = new unsigned int[n + 1];
+    unsigned int* p;
+    ovString s = ovra_internal::TextBuilder::with_room(n, p);
     if (n)
         std::memcpy(p, src, n * sizeof(unsigned int));
-    p[n] = 0;
-    return claim(p);
+    return s;
 }
 
 // Correctly rounded powers of ten 1e-307 .. 1e308 (decimal literals, so the
@@ -441,8 +431,6 @@ struct ovStringFormatAccess {
                 break;
             }
         }
-        if (j > len)
-            j = len;
         setup(s, t + i, j - i);
         if (!finished)
             s.m_conversion = 0;
@@ -906,17 +894,20 @@ ovString ovStringFormatter::format_with_list(const ovString& fmt, ovStringFormat
             }
             ovStringFormatSpecifier field;
             const size_t next = Access::parse(field, t, len, i);
-            if (field.m_has_position) {
-                if (k == 0) {
-                    positional = true;
-                    order.fill(n, -1);
-                }
+            if (field.m_has_position && k == 0) {
+                positional = true;
+                order.fill(n, -1);
+            }
+            if (field.m_has_position && !positional) {
+                // Numbered after an unnumbered first specifier: its slot keeps
+                // the invalid specifier (error text, no argument), so no slot
+                // is ever read with another specifier's kind of argument.
+            } else if (field.m_has_position) {
                 const size_t number = static_cast<size_t>(field.m_position);
                 if (number >= 1 && number <= n) {
                     fields[number - 1] = field;
-                    if (positional) // the order is not used otherwise
-                        order[number - 1] = static_cast<int>(k);
-                } else if (positional) {
+                    order[number - 1] = static_cast<int>(k);
+                } else {
                     // A number with no slot: the error text in place.
                     const size_t at = out.size();
                     Access::error(out);
@@ -960,8 +951,8 @@ ovString ovStringFormatter::format_with_list(const ovString& fmt, ovStringFormat
         total += pieces[i].end - pieces[i].begin;
     for (size_t i = 0; i < n; ++i)
         total += results[i].set ? results[i].length : kErrorLength;
-    unsigned int* buf = new unsigned int[total + 1];
-    unsigned int* w = buf;
+    unsigned int* w;
+    ovString result = ovra_internal::TextBuilder::with_room(total, w);
     const unsigned int* rendered = out.data();
     for (size_t i = 0;; ++i) {
         const size_t pn = pieces[i].end - pieces[i].begin;
@@ -977,8 +968,7 @@ ovString ovStringFormatter::format_with_list(const ovString& fmt, ovStringFormat
                 *w++ = static_cast<unsigned char>(kErrorText[c]);
         }
     }
-    *w = 0;
-    return claim(buf);
+    return result;
 }
 
 ovString ovStringFormatter::format_with_va_list(const ovString& fmt, va_list list) const {
@@ -1013,8 +1003,8 @@ ovString ovStringBuilder::build() const {
     size_t total = 0;
     for (int i = 0; i < count; ++i)
         total += m_pieces[i].length();
-    unsigned int* buf = new unsigned int[total + 1];
-    unsigned int* w = buf;
+    unsigned int* w;
+    ovString result = ovra_internal::TextBuilder::with_room(total, w);
     for (int i = 0; i < count; ++i) {
         const ovString& piece = m_pieces[i];
         const size_t n = piece.length(); // a null piece has length 0
@@ -1023,6 +1013,5 @@ ovString ovStringBuilder::build() const {
             w += n;
         }
     }
-    *w = 0;
-    return claim(buf);
+    return result;
 }

@@ -316,10 +316,11 @@ TEST(ovStringFormat, PositionalSpecifiersTakeArgumentsInNumberOrder) {
         {"%1$s %1$s", {kA}, kError + " A"},
         // Position 0 is not a position: "$" becomes the conversion.
         {"%0$s", {kA}, kError},
-        // Non-positional mode (the first specifier decides): a later number
-        // stores its specifier at that slot, leaving its own empty.
-        {"%s %1$s", {kA, kB}, "A " + kError},
-        {"%s %5$s", {kA, kB}, "A " + kError},
+        // Non-positional mode (the first specifier decides): a numbered
+        // specifier renders the error text in place and takes no argument.
+        {"%s %1$s", {kA, kB}, "A " + kError, 1},
+        {"%d %1$s|%d", {7, 8}, "7 " + kError + "|8"},
+        {"%s %5$s", {kA, kB}, "A " + kError, 1},
     });
 }
 
@@ -406,6 +407,10 @@ TEST(ovStringFormat, VaListEntryReadsCTypes) {
     EXPECT_EQ(utf8_of(va_format("[%3s]", static_cast<const ovString*>(nullptr))), "[   ]");
     EXPECT_EQ(utf8_of(va_format("%2$s %1$d", 5, &name)), "widgets 5");
     EXPECT_EQ(utf8_of(va_format("%-5d|%d", 9)), kError + "|9");
+    // A numbered specifier in a plain format must not read another slot's
+    // argument as its own kind (a string from an int would crash).
+    EXPECT_EQ(utf8_of(va_format("%s|%d|%x|%g|%2$s", &name, -5, 255u, 2.5)),
+              "widgets|-5|ff|2.5|" + kError);
 }
 
 TEST(ovStringFormatSpecifier, ParsesEachPart) {
