@@ -57,9 +57,9 @@ public:
         m_tested = 1;
         return m_code;
     }
-    // Marks the status tested; true for a non-zero code. Explicit: use the
-    // status as a condition (`if (st)`, `!st`) or call ok().
-    explicit operator bool() const noexcept { return ok() != 0; }
+    // Marks the status tested; true for a non-zero code. Implicit, so a
+    // status also serves where a bool is expected (`bool done = op();`).
+    operator bool() const noexcept { return ok() != 0; }
     // 1 once the status was tested, copied or assigned from; does not mark it.
     int32_t tested() const noexcept { return m_tested; }
 
@@ -109,10 +109,10 @@ public:
     static ovErrorResponse error(const char* where, int32_t line, int32_t number, ovErrorType type,
                                  int32_t style);
 
-    // Copies `text` as the error text; null or "" clears it. The copy
-    // replaces (and frees) the one before.
+    // Copies `text` as the error text; null or "" clears it. Earlier copies
+    // are kept, never released, so every text handed out stays valid.
     static void set_error_text(const char* text);
-    // The current error text, or null. Valid until the next set_error_text.
+    // The current error text, or null; valid for the life of the process.
     static const char* get_error_text();
 
     // Builds the message for `type` and `number`, appends "(where:line)" and

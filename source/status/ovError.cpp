@@ -6,6 +6,7 @@
 #include <iostream>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -15,7 +16,10 @@ const unsigned int kDefaultBoxStyle = 0x2010; // task-modal, stop icon
 struct ErrorState {
     ovErrorHandler handler = &ovError::default_handler;
     void* user_data = nullptr;
-    std::unique_ptr<char[]> text;
+    const char* text = nullptr;
+    // Every text ever set: none is released, so a pointer from
+    // get_error_text stays valid, even on another thread mid-report.
+    std::vector<std::unique_ptr<char[]>> texts;
     ovErrorBehaviour behaviour = ovERR_SHOW_STREAM;
     std::ostream* stream = &std::cerr;
     ovra_internal::ErrorBoxFunc box = ovra_internal::platform_error_box();
@@ -38,7 +42,7 @@ std::string message_for(int32_t number, ovErrorType type) {
     case ovERR_USER_TEXT:
         if (number != 0)
             return kNoText;
-        return state().text ? state().text.get() : "";
+        return state().text ? state().text : "";
     case ovERR_NUMBER:
         return "Application error number " + std::to_string(number);
     default:
@@ -65,17 +69,21 @@ ovErrorResponse ovError::error(const char* where, int32_t line, int32_t number, 
 }
 
 void ovError::set_error_text(const char* text) {
-    std::unique_ptr<char[]> copy;
-    if (text && *text) {
-        const size_t n = std::strlen(text) + 1;
-        copy.reset(new char[n]);
-        std::memcpy(copy.get(), text, n);
+    ErrorState& s = state();
+    if (!text || !*text) {
+        s.text = nullptr;
+        return;
     }
-    state().text = std::move(copy);
+    const size_t n = std::strlen(text) + 1;
+    std::unique_ptr<char[]> copy(new char[n]);
+    std::memcpy(copy.get(), text, n);
+    s.texts.reserve(s.texts.size() + 1); // so push_back cannot throw after the copy
+    s.text = copy.get();
+    s.texts.push_back(std::move(copy));
 }
 
 const char* ovError::get_error_text() {
-    return state().text.get();
+    return state().text;
 }
 
 ovErrorResponse ovError::default_handler(const char* where, int32_t line, int32_t number,

@@ -71,13 +71,15 @@ TEST_F(ovErrorTest, ErrorTextIsACopyAndEmptyClearsIt) {
     char text[] = "first";
     ovError::set_error_text(text);
     text[0] = 'F';
-    EXPECT_STREQ(ovError::get_error_text(), "first");
+    const char* first = ovError::get_error_text();
+    EXPECT_STREQ(first, "first");
     for (const char* clearing : {"", static_cast<const char*>(nullptr)}) {
         ovError::set_error_text("second");
         EXPECT_STREQ(ovError::get_error_text(), "second");
         ovError::set_error_text(clearing);
         EXPECT_EQ(ovError::get_error_text(), nullptr);
     }
+    EXPECT_STREQ(first, "first"); // earlier texts are never released
 }
 
 TEST_F(ovErrorTest, StreamIsStdCerrUntilReplaced) {

@@ -12,7 +12,8 @@ TEST(ovStatus, OkAndConditionGiveTheCodeAndMarkTested) {
         const ovStatus by_ok(c.code), by_bool(c.code);
         EXPECT_EQ(by_ok.tested(), 0);
         EXPECT_EQ(by_ok.ok(), c.code);
-        EXPECT_EQ(static_cast<bool>(by_bool), c.success);
+        const bool as_bool = by_bool; // the implicit conversion callers rely on
+        EXPECT_EQ(as_bool, c.success);
         EXPECT_EQ(by_ok.tested() + by_bool.tested(), 2);
     }
 }
