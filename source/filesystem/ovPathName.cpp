@@ -108,6 +108,16 @@ ovPathName joined(const ovString& base, const ovString& tail) {
     return ovPathName(ovra_internal::join(base, closed ? 0 : kSlash, tail));
 }
 
+// The text from the last "." plus `skip` code points; empty without a dot.
+ovString extension_after(const ovString& name, size_t skip) {
+    if (name.invalid())
+        return ovString();
+    const size_t dot = last_index_of(name, kDot);
+    if (dot == kNoIndex)
+        return ovString(ovSTRING_EMPTY);
+    return slice(name, dot + skip, name.length());
+}
+
 } // namespace
 
 ovString ovra_internal::join(const ovString& a, unsigned int mid, const ovString& b) {
@@ -218,21 +228,11 @@ int ovFileName::has_extension() const noexcept {
 }
 
 ovString ovFileName::extension_with_dot() const {
-    if (m_name.invalid())
-        return ovString();
-    const size_t dot = last_index_of(m_name, kDot);
-    if (dot == kNoIndex)
-        return ovString(ovSTRING_EMPTY);
-    return slice(m_name, dot, m_name.length());
+    return extension_after(m_name, 0);
 }
 
 ovString ovFileName::extension_without_dot() const {
-    if (m_name.invalid())
-        return ovString();
-    const size_t dot = last_index_of(m_name, kDot);
-    if (dot == kNoIndex)
-        return ovString(ovSTRING_EMPTY);
-    return slice(m_name, dot + 1, m_name.length());
+    return extension_after(m_name, 1);
 }
 
 ovString ovFileName::without_extension() const {

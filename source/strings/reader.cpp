@@ -7,8 +7,10 @@
 #include <vector>
 
 using ovra_internal::kEndOfStream;
+using ovra_internal::line_feed_after_cr;
 using ovra_internal::next_byte;
 using ovra_internal::peek_byte;
+using ovra_internal::read_mb_rest;
 
 namespace ovra_internal {
 
@@ -235,4 +237,14 @@ unsigned int ovStringReaderUTF16LE::read_char(std::istream& is, int& status) {
     unsigned int codes[3];
     ovOvra::ConvertUTF().utf16_to_utf32(units, n, codes, 3);
     return codes[0];
+}
+
+unsigned int ovStringReaderMB::read_char(std::istream& is, int& status) {
+    status = 0;
+    const int b = next_byte(is);
+    if (b == kEndOfStream)
+        return ovREADER_END;
+    if (b == '\r')
+        return line_feed_after_cr(is);
+    return read_mb_rest(is, b, status);
 }

@@ -10,14 +10,7 @@
 // mbtowc reads at most the bytes it is given, and a UTF-8 locale needs up to
 // four, so bytes are added while mbrtowc says the character is incomplete.
 // In a double-byte locale the first such step is exactly ov_lead_byte's test.
-unsigned int ovStringReaderMB::read_char(std::istream& is, int& status) {
-    using namespace ovra_internal;
-    status = 0;
-    const int b = next_byte(is);
-    if (b == kEndOfStream)
-        return ovREADER_END;
-    if (b == '\r')
-        return line_feed_after_cr(is);
+unsigned int ovra_internal::read_mb_rest(std::istream& is, int b, int& status) {
     char bytes[MB_LEN_MAX] = {static_cast<char>(b)};
     size_t n = 1;
     const size_t most = std::min<size_t>(MB_CUR_MAX, sizeof bytes);

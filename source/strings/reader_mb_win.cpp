@@ -5,14 +5,7 @@
 
 #include <cstdlib>
 
-unsigned int ovStringReaderMB::read_char(std::istream& is, int& status) {
-    using namespace ovra_internal;
-    status = 0;
-    const int b = next_byte(is);
-    if (b == kEndOfStream)
-        return ovREADER_END;
-    if (b == '\r')
-        return line_feed_after_cr(is);
+unsigned int ovra_internal::read_mb_rest(std::istream& is, int b, int& status) {
     char bytes[2] = {static_cast<char>(b), 0};
     int n = 1;
     if (ov_lead_byte(bytes[0])) {

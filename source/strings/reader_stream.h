@@ -61,4 +61,8 @@ inline unsigned int line_feed_after_cr(std::istream& is) noexcept {
     return '\n';
 }
 
+// The rest of a multibyte character of the runtime's locale whose first byte
+// (not CR, not the end) is `first`; one definition per platform.
+unsigned int read_mb_rest(std::istream& is, int first, int& status);
+
 } // namespace ovra_internal
