@@ -2,8 +2,10 @@
 // from a std::istream of bytes in a chosen encoding, one code point at a
 // time, turning every line ending (CR LF, lone CR, LF) into a line feed.
 //
-// Error contract: readers never throw (not even for a stream whose
-// exceptions() mask is set, nor when its buffer throws). Problems show in
+// Error contract: readers do not throw for what the stream does (not even for
+// a stream whose exceptions() mask is set, nor when its buffer throws); as
+// everywhere in the library, allocation failure of the result propagates as
+// std::bad_alloc. Problems show in
 // `status` (1) and in the token ending before the character that could not be
 // read; that character is consumed and not returned. End of stream is told by
 // the stream's own state: reading past the end sets eofbit and failbit as

@@ -40,7 +40,9 @@ ovString token_text(const unsigned int* chunk, size_t count, std::vector<unsigne
     return ovString(ovSTRING_UTF32, spill.data(), spill.size(), status);
 }
 
-// is_separator as one bit test: 0 is always in the set.
+// What ends a token, as one bit test per character: the end of stream (0), a
+// character cut by the end, or a byte of the separators. read_token and
+// is_separator both ask it.
 class SeparatorSet {
 public:
     explicit SeparatorSet(const char* separators) : m_bits{1, 0, 0, 0} {
@@ -145,15 +147,7 @@ int ovStringReader::valid_separators(const char* separators) const {
 }
 
 int ovStringReader::is_separator(unsigned int c, const char* separators) const {
-    if (c == ovREADER_END || c == ovREADER_CUT_CHARACTER)
-        return 1;
-    if (!separators || c > 0xFF)
-        return 0;
-    for (const char* p = separators; *p; ++p) {
-        if (static_cast<unsigned char>(*p) == c)
-            return 1;
-    }
-    return 0;
+    return SeparatorSet(separators).contains(c) ? 1 : 0;
 }
 
 // ---- UTF-8 ---------------------------------------------------------------
