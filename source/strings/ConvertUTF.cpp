@@ -179,7 +179,7 @@ public:
     // bytes marked in `counted`.
     size_t block(const unsigned char* p, uint64_t counted = ~uint64_t(0)) {
         if (m_cover == 0 && high_bits(p) == 0) // plain ASCII
-            return static_cast<size_t>(__builtin_popcountll(counted));
+            return ovra_internal::popcount64(counted);
         const BlockMasks m = classify(p);
         const uint64_t cont = m.ge80 & ~m.geC0;
         const uint64_t covered = (m.geC0 << 1) | (m.geE0 << 2) | (m.geF0 << 3) | m_cover;
@@ -196,7 +196,7 @@ public:
         m_ed = m.eqED >> 63;
         m_f0 = m.eqF0 >> 63;
         m_f4 = m.eqF4 >> 63;
-        return static_cast<size_t>(__builtin_popcountll(~covered & counted));
+        return ovra_internal::popcount64(~covered & counted);
     }
 
     // True when no block broke a rule and no character runs past the end.
@@ -256,7 +256,7 @@ void decode_exact_utf8(const char* src, size_t n, unsigned int* dst) {
         const uint64_t covered = (m.geC0 << 1) | (m.geE0 << 2) | (m.geF0 << 3) | carry;
         carry = (m.geC0 >> 63) | (m.geE0 >> 62) | (m.geF0 >> 61);
         for (uint64_t starts = ~covered & valid; starts; starts &= starts - 1)
-            dst[k++] = decode_at(b + __builtin_ctzll(starts));
+            dst[k++] = decode_at(b + ovra_internal::lowest_bit64(starts));
     };
     while (static_cast<size_t>(end - p) >= kBlock + 3) {
         if ((high_bits(p) | carry) == 0) { // plain ASCII

@@ -1,5 +1,6 @@
 #include "ovra/ovStringReader.h"
 
+#include "common/bits.h"
 #include "strings/reader_stream.h"
 
 #include <cstdint>
@@ -155,7 +156,7 @@ int ovStringReader::is_separator(unsigned int c, const char* separators) const {
 namespace {
 
 // Everything but ASCII, out of line so that the ASCII path needs no frame.
-[[gnu::noinline]] unsigned int read_utf8_rest(std::istream& is, int b, int& status) {
+OVRA_NOINLINE unsigned int read_utf8_rest(std::istream& is, int b, int& status) {
     if (b == kEndOfStream)
         return ovREADER_END;
     if (b == '\r')

@@ -7,6 +7,7 @@
 // input, so the fast paths never change what a conversion returns.
 #pragma once
 
+#include "common/bits.h"
 #include "ovra/ovString.h"
 
 #include <cstddef>
