@@ -70,7 +70,8 @@ protected:
     int is_separator(unsigned int c, const char* separators) const;
 };
 
-// The C runtime's current locale, through mbtowc. Windows reads a second byte
+// The C runtime's current locale, through mbrtowc with a state of its own
+// (safe on several threads at once). Windows reads a second byte
 // after a lead byte of the locale's code page (ov_lead_byte); POSIX keeps
 // reading while mbrtowc says the character is incomplete, up to MB_CUR_MAX
 // bytes, so UTF-8 locales are read too. A character cut by the end of the
