@@ -2,6 +2,7 @@
 
 #include "common/bits.h"
 #include "strings/reader_stream.h"
+#include "strings/utf_codec.h"
 
 #include <cstdint>
 #include <ostream>
@@ -161,9 +162,9 @@ OVRA_NOINLINE unsigned int read_utf8_rest(std::istream& is, int b, int& status) 
         return ovREADER_END;
     if (b == '\r')
         return ovra_internal::line_feed_after_cr(is);
-    // The leading 1 bits give the length. One is a stray continuation byte;
-    // five or more do not fit a four-byte character.
-    const int length = b >= 0xF8 ? 0 : b >= 0xF0 ? 4 : b >= 0xE0 ? 3 : b >= 0xC0 ? 2 : 0;
+    // The lead announces the length; a byte that starts nothing is refused
+    // here, the rest is judged by the converter.
+    const int length = ovra_internal::kUtf8.lead[b].announced + 1;
     if (length == 0) {
         status = 1;
         return ovREADER_BAD_CHARACTER;
