@@ -11,6 +11,7 @@
 
 #include "common/bits.h"
 #include "strings/text_builder.h"
+#include "strings/utf_codec.h"
 
 #include <climits>
 #include <cmath>
@@ -50,10 +51,6 @@ inline bool ends_specifier(unsigned int c) noexcept {
     default:
         return false;
     }
-}
-
-inline bool is_digit(unsigned int c) noexcept {
-    return c >= '0' && c <= '9';
 }
 
 inline void copy_codes(unsigned int* dst, const unsigned int* src, size_t n) noexcept;
@@ -366,7 +363,7 @@ struct ovStringFormatAccess {
         int has_position = 0, position = 0;
         int num = 0;
         // 1.
-        while (p < e && is_digit(*p))
+        while (p < e && ovra_internal::is_ascii_digit(*p))
             accumulate(num, *p++);
         // 2.
         if (num != 0) {
@@ -385,13 +382,13 @@ struct ovStringFormatAccess {
                 zero_pad = 1;
                 ++p;
             }
-            while (p < e && is_digit(*p))
+            while (p < e && ovra_internal::is_ascii_digit(*p))
                 accumulate(width, *p++);
         }
         // 4.
         if (p < e && *p == '.') {
             ++p;
-            while (p < e && is_digit(*p)) {
+            while (p < e && ovra_internal::is_ascii_digit(*p)) {
                 accumulate(precision, *p++);
                 precision_given = 1;
             }
@@ -415,7 +412,7 @@ struct ovStringFormatAccess {
     // Whether the specifier at t[i] starts with "n$", n not 0 (has_position).
     static bool numbered(const unsigned int* t, size_t len, size_t i) noexcept {
         bool nonzero = false;
-        for (++i; i < len && is_digit(t[i]); ++i)
+        for (++i; i < len && ovra_internal::is_ascii_digit(t[i]); ++i)
             nonzero = nonzero || t[i] != '0';
         return nonzero && i < len && t[i] == '$';
     }
