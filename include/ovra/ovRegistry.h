@@ -66,8 +66,7 @@ public:
     // Whether the key can be opened for reading.
     virtual int key_exists(const utString& path) const;
     // Whether the value can be read whole; `type` gets its kind when the key opened.
-    virtual int value_exists(const utString& path, const utString& name,
-                             ovValueType& type) const;
+    virtual int value_exists(const utString& path, const utString& name, ovValueType& type) const;
     // The value's kind; `ovREG_OTHER` when the key or value is missing.
     virtual ovValueType value_type(const utString& path, const utString& name);
     // A REG_DWORD value; other kinds fail and leave `data` alone.
@@ -83,8 +82,7 @@ public:
     // A string value converted to UTF-8 from the registry's UTF-16, looking in the
     // 32-bit view when the key is missing. The value name is taken in the process's
     // ANSI code page, not in UTF-8: kept as it always was.
-    virtual int value_data_utf8(const utString& path, const utString& name,
-                                utString& data) const;
+    virtual int value_data_utf8(const utString& path, const utString& name, utString& data) const;
     virtual ~ovRegistry();
 
     // Writes a value, creating the key when missing. `ovREG_INT` reads `data` as a
@@ -121,14 +119,12 @@ public:
     // In the 64-bit view, or else the 32-bit one, whatever the object's flag.
     int key_exists(const utString& path) const override;
     // As key_exists for the key, then the value.
-    int value_exists(const utString& path, const utString& name,
-                     ovValueType& type) const override;
+    int value_exists(const utString& path, const utString& name, ovValueType& type) const override;
     // The names of both views merged: the 64-bit ones first, then 32-bit names not
     // seen yet, each once. Null when neither view has any.
     utStringcoPageArr* key_list(const utString& path) const override;
     // As the base, but tries the 64-bit view when the first look fails.
-    int value_data_utf8(const utString& path, const utString& name,
-                        utString& data) const override;
+    int value_data_utf8(const utString& path, const utString& name, utString& data) const override;
 
     // Whether the key exists in the 64-bit view.
     int key_exists_64(const utString& path) const;

@@ -29,8 +29,7 @@ public:
     // property, a null value, or one that has no text form). `error` is written
     // only on failure. COM must already be initialised on the calling thread. The
     // names are taken, and the text given, in the thread's ANSI code page.
-    static utString value(const utString& class_name, const utString& property,
-                          utString& error);
+    static utString value(const utString& class_name, const utString& property, utString& error);
 };
 
 class OV_API ovProcessWow64 {
@@ -84,6 +83,6 @@ public:
     void deactivate();
 
 private:
-    void* m_context;     // INVALID_HANDLE_VALUE when there is none
-    uintptr_t m_cookie;  // non-zero while activated
+    void* m_context;    // INVALID_HANDLE_VALUE when there is none
+    uintptr_t m_cookie; // non-zero while activated
 };

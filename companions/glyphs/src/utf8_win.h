@@ -43,8 +43,8 @@ inline bool wide_to_utf8(const wchar_t* s, size_t n, std::string& out) {
     if (n > 0x7FFFFFFF)
         return false;
     const int len = static_cast<int>(n);
-    const int b = WideCharToMultiByte(CP_UTF8, WC_ERR_INVALID_CHARS, s, len, nullptr, 0,
-                                      nullptr, nullptr);
+    const int b =
+        WideCharToMultiByte(CP_UTF8, WC_ERR_INVALID_CHARS, s, len, nullptr, 0, nullptr, nullptr);
     if (b <= 0)
         return false;
     out.resize(static_cast<size_t>(b));

@@ -20,7 +20,8 @@ struct WideArg {
     std::wstring text;
     bool null = false;
     bool ok = true;
-    explicit WideArg(const char* s) : null(s == nullptr), ok(s == nullptr || utf8_to_wide(s, text)) {}
+    explicit WideArg(const char* s)
+        : null(s == nullptr), ok(s == nullptr || utf8_to_wide(s, text)) {}
     const wchar_t* get() const { return null ? nullptr : text.c_str(); }
 };
 
@@ -43,8 +44,7 @@ LONG query_wide(HKEY key, const wchar_t* name, DWORD& type, std::vector<BYTE>& r
 }
 
 // Hands a stored value to the caller as RegQueryValueExW would, text turned into UTF-8.
-LONG deliver(DWORD type, const std::vector<BYTE>& raw, DWORD* type_out, BYTE* data,
-             DWORD* size) {
+LONG deliver(DWORD type, const std::vector<BYTE>& raw, DWORD* type_out, BYTE* data, DWORD* size) {
     std::string text;
     const BYTE* bytes = raw.data();
     size_t n = raw.size();
@@ -113,8 +113,8 @@ LONG RegCreateKeyU(HKEY root, const char* path, HKEY* result) {
     }
 }
 
-LONG RegCreateKeyExU(HKEY root, const char* path, DWORD reserved, char* key_class,
-                     DWORD options, REGSAM access, SECURITY_ATTRIBUTES* security, HKEY* result,
+LONG RegCreateKeyExU(HKEY root, const char* path, DWORD reserved, char* key_class, DWORD options,
+                     REGSAM access, SECURITY_ATTRIBUTES* security, HKEY* result,
                      DWORD* disposition) {
     try {
         const WideArg p(path), c(key_class);
@@ -313,13 +313,12 @@ HANDLE CreateActCtxU(const ACTCTXA* context) {
     try {
         const DWORD flags = context->dwFlags;
         const WideArg source(context->lpSource);
-        const WideArg directory(flags & ACTCTX_FLAG_ASSEMBLY_DIRECTORY_VALID
-                                    ? context->lpAssemblyDirectory
-                                    : nullptr);
+        const WideArg directory(
+            flags & ACTCTX_FLAG_ASSEMBLY_DIRECTORY_VALID ? context->lpAssemblyDirectory : nullptr);
         const WideArg application(
             flags & ACTCTX_FLAG_APPLICATION_NAME_VALID ? context->lpApplicationName : nullptr);
-        const bool named_resource = (flags & ACTCTX_FLAG_RESOURCE_NAME_VALID) &&
-                                    !IS_INTRESOURCE(context->lpResourceName);
+        const bool named_resource =
+            (flags & ACTCTX_FLAG_RESOURCE_NAME_VALID) && !IS_INTRESOURCE(context->lpResourceName);
         const WideArg resource(named_resource ? context->lpResourceName : nullptr);
         if (!source.ok || !directory.ok || !application.ok || !resource.ok) {
             SetLastError(ERROR_NO_UNICODE_TRANSLATION);
@@ -332,9 +331,8 @@ HANDLE CreateActCtxU(const ACTCTXA* context) {
         wide.wProcessorArchitecture = context->wProcessorArchitecture;
         wide.wLangId = context->wLangId;
         wide.lpAssemblyDirectory = directory.get();
-        wide.lpResourceName = named_resource
-                                  ? resource.get()
-                                  : reinterpret_cast<LPCWSTR>(context->lpResourceName);
+        wide.lpResourceName =
+            named_resource ? resource.get() : reinterpret_cast<LPCWSTR>(context->lpResourceName);
         wide.lpApplicationName = application.get();
         wide.hModule = context->hModule;
         return CreateActCtxW(&wide);

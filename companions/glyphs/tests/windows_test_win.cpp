@@ -38,8 +38,8 @@ TEST_F(RegU, TextGoesInAsUtf16AndComesBackAsUtf8) {
     char data[16] = {};
     DWORD size = sizeof data;
     DWORD type = 0;
-    ASSERT_EQ(ERROR_SUCCESS, RegQueryValueExU(key_, kName, nullptr, &type,
-                                              reinterpret_cast<BYTE*>(data), &size));
+    ASSERT_EQ(ERROR_SUCCESS,
+              RegQueryValueExU(key_, kName, nullptr, &type, reinterpret_cast<BYTE*>(data), &size));
     EXPECT_EQ(DWORD{REG_SZ}, type);
     EXPECT_STREQ(kText, data);
     EXPECT_EQ(sizeof kText, size); // UTF-8 bytes with the terminator
@@ -60,11 +60,11 @@ TEST_F(RegU, TextGoesInAsUtf16AndComesBackAsUtf8) {
 
 TEST_F(RegU, NumbersPassAsBytes) {
     const DWORD number = 0x01020304;
-    ASSERT_EQ(ERROR_SUCCESS, RegSetValueExU(key_, "n", 0, REG_DWORD,
-                                            reinterpret_cast<const BYTE*>(&number), 4));
+    ASSERT_EQ(ERROR_SUCCESS,
+              RegSetValueExU(key_, "n", 0, REG_DWORD, reinterpret_cast<const BYTE*>(&number), 4));
     DWORD back = 0, size = 4, type = 0;
-    ASSERT_EQ(ERROR_SUCCESS, RegQueryValueExU(key_, "n", nullptr, &type,
-                                              reinterpret_cast<BYTE*>(&back), &size));
+    ASSERT_EQ(ERROR_SUCCESS,
+              RegQueryValueExU(key_, "n", nullptr, &type, reinterpret_cast<BYTE*>(&back), &size));
     EXPECT_EQ(number, back);
     EXPECT_EQ(DWORD{REG_DWORD}, type);
 }
@@ -84,9 +84,9 @@ TEST_F(RegU, MalformedUtf8ChangesNothing) {
         EXPECT_EQ(ERROR_NO_UNICODE_TRANSLATION, RegDeleteValueU(key_, text));
     }
     DWORD values = 1, keys = 1;
-    ASSERT_EQ(ERROR_SUCCESS, RegQueryInfoKeyW(key_, nullptr, nullptr, nullptr, &keys, nullptr,
-                                              nullptr, &values, nullptr, nullptr, nullptr,
-                                              nullptr));
+    ASSERT_EQ(ERROR_SUCCESS,
+              RegQueryInfoKeyW(key_, nullptr, nullptr, nullptr, &keys, nullptr, nullptr, &values,
+                               nullptr, nullptr, nullptr, nullptr));
     EXPECT_EQ(0u, keys);
     EXPECT_EQ(0u, values);
 }

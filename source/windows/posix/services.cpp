@@ -8,14 +8,18 @@ utString ovWMI::value(const utString&, const utString&, utString& error) {
     return utString("");
 }
 
-ovProcessWow64::ovProcessWow64() : m_ok(1), m_is_wow64(0) { get_wow64_info(); }
+ovProcessWow64::ovProcessWow64() : m_ok(1), m_is_wow64(0) {
+    get_wow64_info();
+}
 
 void ovProcessWow64::get_wow64_info() {
     m_ok = 1;
     m_is_wow64 = 0;
 }
 
-int ovProcessControl::getpid() const { return static_cast<int>(::getpid()); }
+int ovProcessControl::getpid() const {
+    return static_cast<int>(::getpid());
+}
 
 utString ovProcessControl::process_path() {
     char path[1024];
@@ -35,10 +39,14 @@ ovActivationContext::ovActivationContext(const utString& module) : ovActivationC
 
 ovActivationContext::~ovActivationContext() = default;
 
-void ovActivationContext::become(const utString& module) { become(module, 2); }
+void ovActivationContext::become(const utString& module) {
+    become(module, 2);
+}
 
 void ovActivationContext::become(const utString&, int) {}
 
 void ovActivationContext::activate() {}
 
-void ovActivationContext::deactivate() { m_cookie = 0; }
+void ovActivationContext::deactivate() {
+    m_cookie = 0;
+}

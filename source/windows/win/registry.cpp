@@ -33,7 +33,9 @@ private:
     HKEY m_key = nullptr;
 };
 
-HKEY root_of(ovHKeyType type) { return ov_reg_master_key(type); }
+HKEY root_of(ovHKeyType type) {
+    return ov_reg_master_key(type);
+}
 
 ovValueType map_type(DWORD type) {
     switch (type) {
@@ -48,7 +50,9 @@ ovValueType map_type(DWORD type) {
     }
 }
 
-bool is_string(DWORD type) { return type == REG_SZ || type == REG_EXPAND_SZ; }
+bool is_string(DWORD type) {
+    return type == REG_SZ || type == REG_EXPAND_SZ;
+}
 
 // Queries `name` into a 1024-byte buffer that always ends in a terminator.
 LONG query(HKEY key, const utString& name, DWORD& type, char (&data)[kBuffer + 1]) {
@@ -70,8 +74,8 @@ LONG query_acp(HKEY key, const utString& name, DWORD& type, std::wstring& text) 
     MultiByteToWideChar(CP_ACP, 0, name.c_str(), -1, &wide[0], n);
     wchar_t data[kBuffer / sizeof(wchar_t) + 1] = {};
     DWORD size = kBuffer;
-    const LONG r = RegQueryValueExW(key, wide.c_str(), nullptr, &type,
-                                    reinterpret_cast<BYTE*>(data), &size);
+    const LONG r =
+        RegQueryValueExW(key, wide.c_str(), nullptr, &type, reinterpret_cast<BYTE*>(data), &size);
     if (r == ERROR_SUCCESS)
         text.assign(data, wcsnlen(data, size / sizeof(wchar_t)));
     return r;
@@ -122,7 +126,8 @@ int remove_tree(const ovRegistry& reg, const utString& path, Open open, Delete r
     std::unique_ptr<utStringcoPageArr> children(reg.key_list(path));
     if (children) {
         for (int i = 0; i < children->size(); ++i) {
-            const utString child_path((std::string(path.c_str()) + "\\" + (*children)[i].c_str()).c_str());
+            const utString child_path(
+                (std::string(path.c_str()) + "\\" + (*children)[i].c_str()).c_str());
             remove_tree(reg, child_path, open, remove);
         }
     }
@@ -146,7 +151,9 @@ int create_with(HKEY root, const utString& path, REGSAM access) {
 
 } // namespace
 
-int ovRegistry::has_wow64() { return 1; }
+int ovRegistry::has_wow64() {
+    return 1;
+}
 
 int ovRegistry::key_exists(const utString& path) const {
     return key_exists(path, m_look_in_wow64_area);
@@ -162,8 +169,7 @@ int ovRegistry::key_exists(const utString& path, int wow64) const {
                : 0;
 }
 
-int ovRegistry::value_exists(const utString& path, const utString& name,
-                             ovValueType& type) const {
+int ovRegistry::value_exists(const utString& path, const utString& name, ovValueType& type) const {
     return value_exists(path, name, type, m_look_in_wow64_area);
 }
 
@@ -301,9 +307,7 @@ utStringcoPageArr* ovRegistry::key_list(const utString& path) const {
         ERROR_SUCCESS)
         return nullptr;
     const HKEY k = key.get();
-    return collect([k](DWORD index, char* name) {
-        return RegEnumKeyU(k, index, name, kBuffer);
-    });
+    return collect([k](DWORD index, char* name) { return RegEnumKeyU(k, index, name, kBuffer); });
 }
 
 utStringcoPageArr* ovRegistry::value_list(const utString& path) const {
@@ -321,8 +325,7 @@ utStringcoPageArr* ovRegistry::value_list(const utString& path) const {
     });
 }
 
-int ovRegistry::value_data_utf8(const utString& path, const utString& name,
-                                utString& data) const {
+int ovRegistry::value_data_utf8(const utString& path, const utString& name, utString& data) const {
     if (path.empty() || name.empty())
         return 0;
     Key key;
@@ -481,8 +484,8 @@ long ov_reg_RegDeleteKeyEx(ovHKey root, const utString& path, unsigned long view
     if (!advapi)
         return ERROR_PROC_NOT_FOUND;
     // Looked up each time: systems without the call still load this library.
-    const DeleteKeyEx fn =
-        reinterpret_cast<DeleteKeyEx>(reinterpret_cast<void*>(GetProcAddress(advapi, "RegDeleteKeyExW")));
+    const DeleteKeyEx fn = reinterpret_cast<DeleteKeyEx>(
+        reinterpret_cast<void*>(GetProcAddress(advapi, "RegDeleteKeyExW")));
     const LONG r = fn ? fn(root, wide.text(), view, 0) : ERROR_PROC_NOT_FOUND;
     FreeLibrary(advapi);
     return r;

@@ -128,7 +128,9 @@ utString ovWMI::value(const utString& class_name, const utString& property, utSt
     return result;
 }
 
-ovProcessWow64::ovProcessWow64() : m_ok(1), m_is_wow64(0) { get_wow64_info(); }
+ovProcessWow64::ovProcessWow64() : m_ok(1), m_is_wow64(0) {
+    get_wow64_info();
+}
 
 void ovProcessWow64::get_wow64_info() {
     m_ok = 1;
@@ -148,7 +150,9 @@ void ovProcessWow64::get_wow64_info() {
     m_is_wow64 = wow64 ? 1 : 0;
 }
 
-int ovProcessControl::getpid() const { return _getpid(); }
+int ovProcessControl::getpid() const {
+    return _getpid();
+}
 
 utString ovProcessControl::process_path() {
     const HMODULE self = GetModuleHandleU(nullptr);
@@ -174,7 +178,9 @@ ovActivationContext::~ovActivationContext() {
         ReleaseActCtx(m_context);
 }
 
-void ovActivationContext::become(const utString& module) { become(module, 2); }
+void ovActivationContext::become(const utString& module) {
+    become(module, 2);
+}
 
 void ovActivationContext::become(const utString& module, int resource) {
     if (m_context != INVALID_HANDLE_VALUE) {

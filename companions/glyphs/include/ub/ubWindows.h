@@ -17,8 +17,7 @@
 
 #include <windows.h>
 
-UB_API LONG RegOpenKeyExU(HKEY root, const char* path, DWORD options, REGSAM access,
-                          HKEY* result);
+UB_API LONG RegOpenKeyExU(HKEY root, const char* path, DWORD options, REGSAM access, HKEY* result);
 UB_API LONG RegCreateKeyU(HKEY root, const char* path, HKEY* result);
 UB_API LONG RegCreateKeyExU(HKEY root, const char* path, DWORD reserved, char* key_class,
                             DWORD options, REGSAM access, SECURITY_ATTRIBUTES* security,
@@ -26,17 +25,17 @@ UB_API LONG RegCreateKeyExU(HKEY root, const char* path, DWORD reserved, char* k
 UB_API LONG RegDeleteKeyU(HKEY root, const char* path);
 UB_API LONG RegDeleteValueU(HKEY key, const char* name);
 // `size` is in and out: the buffer's bytes, then the data's (terminator included).
-UB_API LONG RegQueryValueExU(HKEY key, const char* name, DWORD* reserved, DWORD* type,
-                             BYTE* data, DWORD* size);
+UB_API LONG RegQueryValueExU(HKEY key, const char* name, DWORD* reserved, DWORD* type, BYTE* data,
+                             DWORD* size);
 // `size` counts the UTF-8 bytes, terminator included, for the string types.
-UB_API LONG RegSetValueExU(HKEY key, const char* name, DWORD reserved, DWORD type,
-                           const BYTE* data, DWORD size);
+UB_API LONG RegSetValueExU(HKEY key, const char* name, DWORD reserved, DWORD type, const BYTE* data,
+                           DWORD size);
 // `size` is the name buffer's bytes, terminator included.
 UB_API LONG RegEnumKeyU(HKEY key, DWORD index, char* name, DWORD size);
 // `name_size` is in and out: the buffer's bytes with the terminator, then the name's
 // without it. `data` and `data_size` as for RegQueryValueExU; all three may be null.
-UB_API LONG RegEnumValueU(HKEY key, DWORD index, char* name, DWORD* name_size,
-                          DWORD* reserved, DWORD* type, BYTE* data, DWORD* data_size);
+UB_API LONG RegEnumValueU(HKEY key, DWORD index, char* name, DWORD* name_size, DWORD* reserved,
+                          DWORD* type, BYTE* data, DWORD* data_size);
 
 // LoadLibraryW with a UTF-8 name; null (last error set) on failure.
 UB_API HMODULE LoadLibraryU(const char* name);
