@@ -48,6 +48,23 @@ TEST_F(WmiTest, EachFailingStepHasItsMessage) {
     }
 }
 
+// Numbers come back as their decimal text.
+TEST_F(WmiTest, NonTextPropertiesAreConverted) {
+    utString error;
+    const utString type = ovWMI::value("Win32_OperatingSystem", "OSType", error);
+    ASSERT_FALSE(type.empty()) << error.c_str();
+    EXPECT_EQ(std::strspn(type.c_str(), "0123456789"), type.length()) << type.c_str();
+}
+
+// A property that exists but holds nothing is a failure, not an empty text.
+TEST_F(WmiTest, ANullPropertyFails) {
+    utString error;
+    const utString code = ovWMI::value("Win32_BIOS", "IdentificationCode", error);
+    if (!code.empty())
+        GTEST_SKIP() << "this system's BIOS has an identification code: no null property known";
+    EXPECT_STREQ("IWbemClassObject::Get failed", error.c_str());
+}
+
 TEST_F(WmiTest, AnUnknownClassFailsTheQuery) {
     utString error;
     EXPECT_EQ("", ovWMI::value("Win32_NoSuchClass", "Caption", error));
