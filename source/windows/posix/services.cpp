@@ -43,7 +43,11 @@ void ovActivationContext::become(const utString& module) {
     become(module, 2);
 }
 
-void ovActivationContext::become(const utString&, int) {}
+// Nothing can be made from a module here; whatever was held is dropped all the same.
+void ovActivationContext::become(const utString&, int) {
+    if (m_context != reinterpret_cast<void*>(static_cast<intptr_t>(-1)))
+        m_context = reinterpret_cast<void*>(static_cast<intptr_t>(-1));
+}
 
 void ovActivationContext::activate() {}
 
