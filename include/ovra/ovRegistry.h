@@ -14,7 +14,7 @@
 // gives that answer at once without touching the registry. The system's error code
 // is not kept, except by the `ov_reg_…` functions, which return it unchanged (1010,
 // ERROR_BADKEY, for a view the system does not have). Reads use a 1024-byte buffer:
-// a string value longer than 1023 bytes (1024 with its terminator) counts as missing.
+// a string value of 1024 bytes or more (too long with its terminator) counts as missing.
 // Names longer than 1023 bytes are listed cut at a character boundary.
 //
 // Platforms: on Windows a plain `ovRegistry` works in the 64-bit view and, when
