@@ -9,6 +9,9 @@
  * answers 0 (and 0 seconds) for what it cannot convert. A null array is
  * accepted and does nothing (or fails, for `ut_date_seconds`).
  *
+ * Platforms: Windows' runtime converts no time before 1970 (all -1); POSIX
+ * converts negative seconds too.
+ *
  * All functions have C++ names; a C compiler sees nothing of this header.
  *
  * Functions:

@@ -36,7 +36,7 @@ public:
 
     // Position of the first byte c at or after `from`; npos when there is none.
     size_t find(char c, size_t from = 0) const noexcept;
-    static constexpr size_t npos = static_cast<size_t>(-1);
+    enum : size_t { npos = static_cast<size_t>(-1) }; // an enumerator: nothing to import
 
     // A writable buffer of length() bytes plus the terminator, owned by this string
     // alone (text referred to as a literal is copied first); null in the null state.
