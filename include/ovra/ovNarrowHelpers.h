@@ -103,7 +103,8 @@ extern "C" {
 
 /* A new string of the first `count` strings joined (`first`, then count - 1
  * further const char* arguments), allocated with the global operator new:
- * free it with operator delete (C++) and never with free(). count 1 gives a
+ * free it with operator delete (C++) and never with free(), so C code has
+ * no portable way to release it. count 1 gives a
  * copy of first; count 0 or less gives "". A null string adds nothing.
  * Returns null when memory runs out. The count is not checked against the
  * arguments given. */
