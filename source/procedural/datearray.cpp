@@ -41,7 +41,8 @@ OV_API void ut_date_array(int seconds, int utc, int date[7]) {
 
 OV_API int ut_date_seconds(int date[7], int utc, int& seconds) {
     seconds = 0;
-    if (!date || date[0] < 1970)
+    // INT_MIN would overflow as the zero-based month.
+    if (!date || date[0] < 1970 || date[1] == INT_MIN)
         return 0;
     int dst = 0;
     if (utc == 0) {
