@@ -36,8 +36,8 @@ void clear_environment() {
         unsetenv(name);
 }
 
-// The first occurrence's end (an empty needle "occurs" at the end); when absent, 1 exactly when the last candidate
-// tried (the needle's first character) is the haystack's last character.
+// The first occurrence's end (an empty needle "occurs" at the end); when absent, 1 exactly when the
+// last candidate tried (the needle's first character) is the haystack's last character.
 int expected_pos(const std::string& needle, const std::string& hay) {
     if (hay.empty())
         return 0;

@@ -145,9 +145,8 @@ extern OV_API ovStati64Func ov_the_stati64_func;
 OV_API int ov_iowrap_set_io_functions(ovOpenFunc open, ovReadFunc read, ovWriteFunc write,
                                       ovStatFunc stat, ovCloseFunc close, ovTellFunc tell,
                                       ovLseekFunc lseek, ovTruncateFunc truncate,
-                                      ovCommitFunc commit, ovUnlinkFunc unlink,
-                                      ovChmodFunc chmod, ovIsattyFunc isatty,
-                                      ovAltHandlesFunc alt_handles);
+                                      ovCommitFunc commit, ovUnlinkFunc unlink, ovChmodFunc chmod,
+                                      ovIsattyFunc isatty, ovAltHandlesFunc alt_handles);
 /* Installs the stat64 function; 0 and no change for null, else 1. */
 OV_API int ov_iowrap_set_stati64(ovStati64Func stati64);
 #endif /* __cplusplus */

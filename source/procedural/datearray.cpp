@@ -82,24 +82,22 @@ OV_API void ut_date_string(int seconds, int utc, utString& text) {
     static const char* const kMonths[] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
                                           "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
     std::tm t{};
-    if (!ovra_proc::to_tm(seconds, utc != 0, t) || t.tm_wday < 0 || t.tm_wday > 6 ||
-        t.tm_mon < 0 || t.tm_mon > 11) {
+    if (!ovra_proc::to_tm(seconds, utc != 0, t) || t.tm_wday < 0 || t.tm_wday > 6 || t.tm_mon < 0 ||
+        t.tm_mon > 11) {
         text = utString("");
         return;
     }
     char buf[64];
     std::snprintf(buf, sizeof buf, "%.3s %.3s%3d %.2d:%.2d:%.2d %d\n", kDays[t.tm_wday],
-                  kMonths[t.tm_mon], t.tm_mday, t.tm_hour, t.tm_min, t.tm_sec,
-                  1900 + t.tm_year);
+                  kMonths[t.tm_mon], t.tm_mday, t.tm_hour, t.tm_min, t.tm_sec, 1900 + t.tm_year);
     text = utString(buf);
     text.remove_trailing_chars("\n");
 }
 
 OV_API void ut_date_print(std::ostream& out, int date[7]) {
-    static const char* const kLabels[] = {"year:         ", "month:        ",
-                                          "day of month: ", "hour:         ",
-                                          "minute:       ", "second:       ",
-                                          "millisecond:  "};
+    static const char* const kLabels[] = {
+        "year:         ", "month:        ", "day of month: ", "hour:         ",
+        "minute:       ", "second:       ", "millisecond:  "};
     out << "ut_date_print {\n";
     for (int i = 0; i < 7; ++i) {
         out << kLabels[i];

@@ -139,10 +139,10 @@ OV_API void fcuerr(const int* errno_value, int* cls, int* code) {
     // Keyed by the Windows runtime's numbers. EINTR counts as success and
     // ENOTDIR shares its pair with ENAMETOOLONG: both kept as callers know them.
     static const Row kTable[] = {
-        {0, 0, 0},    {1, 7, 72},   {2, 1, 11},   {4, 0, 0},     {5, 3, 35},     {9, 1, 32},
-        {11, 9, 91},  {13, 7, 71},  {16, 8, 84},  {17, 4, 41},   {19, 8, 85},    {20, 1, 13},
-        {21, 1, 15},  {23, 9, 92},  {24, 3, 38},  {28, 8, 82},   {30, 7, 74},    {38, 1, 13},
-        {41, 2, 23},  {140, 2, 21}, {-1000, 20, 140},
+        {0, 0, 0},   {1, 7, 72},   {2, 1, 11},       {4, 0, 0},   {5, 3, 35},  {9, 1, 32},
+        {11, 9, 91}, {13, 7, 71},  {16, 8, 84},      {17, 4, 41}, {19, 8, 85}, {20, 1, 13},
+        {21, 1, 15}, {23, 9, 92},  {24, 3, 38},      {28, 8, 82}, {30, 7, 74}, {38, 1, 13},
+        {41, 2, 23}, {140, 2, 21}, {-1000, 20, 140},
     };
     int c = 12, d = 120;
     if (errno_value) {
@@ -295,8 +295,8 @@ OV_API void fcudat(const char* name, int /*name_len*/, const int* n, const int* 
     date[6] = 0;
 }
 
-OV_API void fcdate(const char* name, int name_len, const int* n, void* /*unused*/,
-                   const int* which, int* date, int* ierr) {
+OV_API void fcdate(const char* name, int name_len, const int* n, void* /*unused*/, const int* which,
+                   int* date, int* ierr) {
     if (!ierr)
         return;
     if (!n || !which || *n < 1 || (*which != 1 && *which != 2)) {

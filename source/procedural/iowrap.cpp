@@ -107,11 +107,9 @@ OV_API void iochsl(char* text, int /*text_len*/, const int* count) {
 OV_API int ov_iowrap_set_io_functions(ovOpenFunc open, ovReadFunc read, ovWriteFunc write,
                                       ovStatFunc stat, ovCloseFunc close, ovTellFunc tell,
                                       ovLseekFunc lseek, ovTruncateFunc truncate,
-                                      ovCommitFunc commit, ovUnlinkFunc unlink,
-                                      ovChmodFunc chmod, ovIsattyFunc isatty,
-                                      ovAltHandlesFunc alt_handles) {
-    if (!open || !read || !write || !stat || !close || !tell || !lseek || !alt_handles ||
-        !unlink)
+                                      ovCommitFunc commit, ovUnlinkFunc unlink, ovChmodFunc chmod,
+                                      ovIsattyFunc isatty, ovAltHandlesFunc alt_handles) {
+    if (!open || !read || !write || !stat || !close || !tell || !lseek || !alt_handles || !unlink)
         return 0;
     ov_the_open_func = open;
     ov_the_read_func = read;

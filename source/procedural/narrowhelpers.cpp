@@ -61,8 +61,10 @@ OV_API int ovstrcasecmp(const char* a, const char* b) {
             return 0;
         if (*a == *b)
             continue;
-        const signed char la = static_cast<signed char>(std::tolower(static_cast<unsigned char>(*a)));
-        const signed char lb = static_cast<signed char>(std::tolower(static_cast<unsigned char>(*b)));
+        const signed char la =
+            static_cast<signed char>(std::tolower(static_cast<unsigned char>(*a)));
+        const signed char lb =
+            static_cast<signed char>(std::tolower(static_cast<unsigned char>(*b)));
         if (la != '\0' && lb != '\0' && la == lb)
             continue;
         if (la == '\0')

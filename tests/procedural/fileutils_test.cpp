@@ -162,13 +162,13 @@ TEST(fcuerr, ClassifiesEveryRowOnEveryPlatform) {
     struct Row {
         int value, cls, code;
     } const rows[] = {
-        {0, 0, 0},        {EPERM, 7, 72},   {ENOENT, 1, 11},  {EINTR, 0, 0},
-        {EIO, 3, 35},     {EBADF, 1, 32},   {EAGAIN, 9, 91},  {EACCES, 7, 71},
-        {EBUSY, 8, 84},   {EEXIST, 4, 41},  {ENODEV, 8, 85},  {ENOTDIR, 1, 13},
-        {EISDIR, 1, 15},  {ENFILE, 9, 92},  {EMFILE, 3, 38},  {ENOSPC, 8, 82},
-        {EROFS, 7, 74},   {ENAMETOOLONG, 1, 13}, {ENOTEMPTY, 2, 23}, {-1000, 20, 140},
-        {999, 12, 120},   {-1, 12, 120},    {-999, 12, 120},  {EINVAL, 12, 120},
-        {ENOSYS, 12, 120}, {EDEADLK, 12, 120}, {EOVERFLOW, 12, 120},
+        {0, 0, 0},         {EPERM, 7, 72},        {ENOENT, 1, 11},      {EINTR, 0, 0},
+        {EIO, 3, 35},      {EBADF, 1, 32},        {EAGAIN, 9, 91},      {EACCES, 7, 71},
+        {EBUSY, 8, 84},    {EEXIST, 4, 41},       {ENODEV, 8, 85},      {ENOTDIR, 1, 13},
+        {EISDIR, 1, 15},   {ENFILE, 9, 92},       {EMFILE, 3, 38},      {ENOSPC, 8, 82},
+        {EROFS, 7, 74},    {ENAMETOOLONG, 1, 13}, {ENOTEMPTY, 2, 23},   {-1000, 20, 140},
+        {999, 12, 120},    {-1, 12, 120},         {-999, 12, 120},      {EINVAL, 12, 120},
+        {ENOSYS, 12, 120}, {EDEADLK, 12, 120},    {EOVERFLOW, 12, 120},
     };
     for (const Row& r : rows) {
         SCOPED_TRACE(r.value);
@@ -210,6 +210,14 @@ TEST_F(ExpansionOn, StatusOfDirectoryFileAndMissingName) {
     EXPECT_EQ(type, -5);
 
     // The name arrives blank-padded, as Fortran stores it; n says what counts.
+    // Counts beyond the path buffer are clamped: a plain failure, no overrun.
+    const std::string huge = dir.at(std::string(3000, 'q'));
+    const int big = static_cast<int>(huge.size());
+    sta(huge, id, &type, ierr);
+    EXPECT_NE(ierr, 0);
+    fcusta(huge.data(), big, &big, nullptr, nullptr, &ierr);
+    EXPECT_NE(ierr, 0);
+
     const std::string padded = file + "      ";
     const int n = static_cast<int>(file.size());
     fcusta(padded.data(), static_cast<int>(padded.size()), &n, id, &type, &ierr);

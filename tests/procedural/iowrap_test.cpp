@@ -174,11 +174,8 @@ TEST(iochsl, TurnsBackslashesWithinTheCountOnly) {
         int count;
         const char* expected;
     } const cases[] = {
-        {"a\\b\\c", 5, "a/b/c"},
-        {"a\\b\\c", 2, "a/b\\c"},
-        {"a\\b\\c", 0, "a\\b\\c"},
-        {"a\\b\\c", -3, "a\\b\\c"},
-        {"\\\\", 2, "//"},
+        {"a\\b\\c", 5, "a/b/c"},    {"a\\b\\c", 2, "a/b\\c"}, {"a\\b\\c", 0, "a\\b\\c"},
+        {"a\\b\\c", -3, "a\\b\\c"}, {"\\\\", 2, "//"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(testing::Message() << c.text << " count " << c.count);

@@ -39,8 +39,8 @@ TEST(ovstrrep, ReplacesARangeGrowingOrShrinking) {
         {"abc", 4, 4, "x", "abc"},
     };
     for (const Case& c : cases) {
-        SCOPED_TRACE(testing::Message() << c.text << " [" << c.first << "," << c.last << "] "
-                                        << c.with);
+        SCOPED_TRACE(testing::Message()
+                     << c.text << " [" << c.first << "," << c.last << "] " << c.with);
         char buf[32] = {};
         std::strcpy(buf, c.text);
         ovstrrep(buf, c.first, c.last, c.with);
@@ -57,10 +57,12 @@ TEST(ovcasecmp, ComparesWithoutCaseAsDocumented) {
         const char *a, *b;
         int n, ncmp, cmp;
     } const cases[] = {
-        {"ABC", "abd", 2, 0, -1},   {"ABC", "abd", 3, -1, -1}, {"ab", "abc", 10, -1, -1},
-        {"abc", "ab", 10, 1, 1},    {"Hello", "hELLO", 99, 0, 0}, {"a", "", 5, 1, 1},
-        {"", "a", 5, -1, -1},       {"", "", 5, 0, 0},          {"b", "A", 1, 1, 1},
-        {"x", "y", 0, 0, -1},       {"x", "y", -3, 0, -1},
+        {"ABC", "abd", 2, 0, -1},     {"ABC", "abd", 3, -1, -1},
+        {"ab", "abc", 10, -1, -1},    {"abc", "ab", 10, 1, 1},
+        {"Hello", "hELLO", 99, 0, 0}, {"a", "", 5, 1, 1},
+        {"", "a", 5, -1, -1},         {"", "", 5, 0, 0},
+        {"b", "A", 1, 1, 1},          {"x", "y", 0, 0, -1},
+        {"x", "y", -3, 0, -1},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(testing::Message() << c.a << " vs " << c.b << " n " << c.n);
@@ -88,8 +90,8 @@ TEST(ovpos, FindsTheEndOfTheFirstOccurrenceKeepingTheLastCandidateQuirk) {
         const char *needle, *haystack;
         int expected;
     } const cases[] = {
-        {"cd", "abcdef", 4}, {"x", "abc", 0},   {"cx", "abc", 1},  {"cx", "abcd", 0},
-        {"a", "abc", 1},     {"abc", "abc", 3}, {"", "abc", 3},    {"", "", 0},
+        {"cd", "abcdef", 4}, {"x", "abc", 0},   {"cx", "abc", 1},   {"cx", "abcd", 0},
+        {"a", "abc", 1},     {"abc", "abc", 3}, {"", "abc", 3},     {"", "", 0},
         {"a", "", 0},        {"bc", "abbc", 4}, {"aab", "aaab", 4}, {"abcd", "abc", 0},
     };
     for (const Case& c : cases) {

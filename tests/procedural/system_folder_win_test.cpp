@@ -7,8 +7,8 @@
 #include <filesystem>
 
 TEST(ov_get_system_folder, AsksTheShellForExistingFolders) {
-    for (ovCSIDL folder : {ovCSIDL_APPDATA, ovCSIDL_LOCAL_APPDATA, ovCSIDL_WINDOWS,
-                           ovCSIDL_SYSTEM, ovCSIDL_PROFILE}) {
+    for (ovCSIDL folder : {ovCSIDL_APPDATA, ovCSIDL_LOCAL_APPDATA, ovCSIDL_WINDOWS, ovCSIDL_SYSTEM,
+                           ovCSIDL_PROFILE}) {
         SCOPED_TRACE(static_cast<int>(folder));
         const utString path = ov_get_system_folder(folder);
         ASSERT_FALSE(path.empty());

@@ -165,8 +165,8 @@ TEST(utString, FindModifyAndTrailingChars) {
     struct Case {
         const char *text, *chars, *expected;
     } const cases[] = {
-        {"line\n", "\n", "line"}, {"x\n\n", "\n", "x"},  {"\n", "\n", ""},
-        {"ab  ", " ", "ab"},      {"ab", "\n", "ab"},     {"ab\n", "", "ab\n"},
+        {"line\n", "\n", "line"},  {"x\n\n", "\n", "x"}, {"\n", "\n", ""},
+        {"ab  ", " ", "ab"},       {"ab", "\n", "ab"},   {"ab\n", "", "ab\n"},
         {"ab\n", nullptr, "ab\n"},
     };
     for (const Case& c : cases) {

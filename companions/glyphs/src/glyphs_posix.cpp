@@ -75,6 +75,4 @@ int ub_rmdir(const char* utf8_path) {
     return ::rmdir(utf8_path);
 }
 
-int ub_system(const char* utf8_command) {
-    return std::system(utf8_command);
-}
+int ub_system(const char* utf8_command) { return std::system(utf8_command); }

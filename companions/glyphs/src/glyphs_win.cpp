@@ -6,8 +6,8 @@
 #ifndef NOMINMAX // the C++ runtime may already define it
 #define NOMINMAX
 #endif
-#include <windows.h>
 #include <shlobj.h>
+#include <windows.h>
 
 #include <cerrno>
 #include <climits>
@@ -35,8 +35,7 @@ bool to_wide(const char* utf8, std::wstring& out) {
 }
 
 // Runs `call` on the wide form of `utf8`; -1 with EINVAL for a null or malformed name.
-template <class Call>
-int with_wide(const char* utf8, Call call) {
+template <class Call> int with_wide(const char* utf8, Call call) {
     if (!utf8) {
         errno = EINVAL;
         return -1;
@@ -165,8 +164,8 @@ long SHGetFolderPathU(void* owner, int folder, void* token, unsigned long flags,
         return E_INVALIDARG;
     path[0] = '\0';
     wchar_t wide[MAX_PATH] = {};
-    const HRESULT hr = SHGetFolderPathW(static_cast<HWND>(owner), folder,
-                                        static_cast<HANDLE>(token), flags, wide);
+    const HRESULT hr =
+        SHGetFolderPathW(static_cast<HWND>(owner), folder, static_cast<HANDLE>(token), flags, wide);
     if (FAILED(hr))
         return hr;
     const int n = WideCharToMultiByte(CP_UTF8, 0, wide, -1, path, MAX_PATH, nullptr, nullptr);

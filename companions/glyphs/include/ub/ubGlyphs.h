@@ -51,8 +51,7 @@ UB_API int MessageBoxU(void* owner, const char* text, const char* caption, unsig
 // SHGetFolderPathW with the path written as UTF-8 into `path`, which holds MAX_PATH
 // bytes; `owner` is an HWND and `token` a HANDLE, both may be null. Returns the HRESULT;
 // a path whose UTF-8 form does not fit fails with E_FAIL and leaves "".
-UB_API long SHGetFolderPathU(void* owner, int folder, void* token, unsigned long flags,
-                             char* path);
+UB_API long SHGetFolderPathU(void* owner, int folder, void* token, unsigned long flags, char* path);
 #endif
 
 #endif // UB_GLYPHS_H
