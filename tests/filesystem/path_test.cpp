@@ -77,9 +77,9 @@ TEST(ovPath, Construction) {
     EXPECT_TRUE(ovPath(utString("bad\xC3\x28")).invalid_ut());
     EXPECT_TRUE(ovPath(utString()).invalid_ut());
     const ovStringCPEncoding latin1(1252);
-    const ovPath greek(utf8_text("\xCE\xB1"), nullptr, &latin1);
-    EXPECT_TRUE(greek.invalid_ut());
-    EXPECT_FALSE(greek.invalid());
+    const ovPath cjk(utf8_text("\xE6\x97\xA5"), nullptr, &latin1);
+    EXPECT_TRUE(cjk.invalid_ut());
+    EXPECT_FALSE(cjk.invalid());
 }
 
 TEST(ovPath, DerivedPathsKeepOperationsAndEncoding) {
