@@ -127,8 +127,8 @@ public:
     // array leaves an empty file. Failure may leave a partly written file.
     virtual ovStatus write_file(const ovPathName& path, const ovByteArray& data) const;
     // Reads file_size(path) bytes, sized before opening (a file that grows meanwhile
-    // is read up to the old size; bytes it lost read as zero). `data` changes only on
-    // success.
+    // is read up to the old size; bytes it lost read as zero). A negative size fails.
+    // `data` changes only on success.
     virtual ovStatus read_file(const ovPathName& path, ovByteArray& data) const;
     // The size in bytes; 0 when the file cannot be opened for reading, missing
     // included. This body goes through ftell and so stops below 2 GiB; the platforms'
@@ -138,9 +138,11 @@ public:
     // failure, nothing touched.
     virtual ovStatus move_file(const ovPathName& from, const ovPathName& to) const;
     // Renames the directory within its parent when it is a directory and the new name
-    // is free; otherwise failure, nothing touched.
+    // is free; otherwise failure, nothing touched. A name that is not one component
+    // (invalid, or holding a backslash) is refused.
     virtual ovStatus rename_directory(const ovPathName& dir, const ovFileName& name) const;
-    // rename(file, its parent joined with name), with no check of its own.
+    // rename(file, its parent joined with name), with no check of the source or the
+    // target. Only a name that is not one component is refused, as rename_directory.
     virtual ovStatus rename_file(const ovPathName& file, const ovFileName& name) const;
     // This body gives the path back unchanged.
     virtual ovPathName full_path(const ovPathName& path) const;
