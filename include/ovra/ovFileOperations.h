@@ -303,8 +303,9 @@ protected:
 //    a relative path, "." and ".." folded, links not resolved; the empty path when the
 //    current directory cannot be read. Any length.
 //  - os_style_path gives the text unchanged.
-//  - file_size opens the file for reading (so what cannot be read gives 0, as on
-//    Windows, directories included) and takes the size of the open file: 64-bit.
+//  - file_size gives 0 for what the caller could not open for reading, as on
+//    Windows (directories included), without opening a regular file: stat, then the
+//    owner's read bit or faccessat with the effective identity. 64-bit.
 //  - Entry names that are not UTF-8 come back as invalid names.
 class OV_API ovPosixFileOperations final : public ovIFileOperations {
 public:

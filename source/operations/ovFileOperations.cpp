@@ -43,17 +43,15 @@ ovIFileIterator::ovIFileIterator(const ovPath& path) : m_path(path), m_current()
 ovIFileIterator::~ovIFileIterator() {}
 
 int ovIFileIterator::operator++() {
-    // A loop rather than the recursion it replaces: a directory cannot hold more
-    // than one "." and one "..", but nothing else bounds the depth.
+    // Compared as names, so the current entry's text is not copied for every entry.
+    static const ovFileName dot(OVSTRING("."));
+    static const ovFileName dot_dot(OVSTRING(".."));
+    // A loop rather than the recursion it replaces: a directory holds one "." and
+    // one "..", but nothing else bounds the depth.
     for (;;) {
         if (!get_next_file())
             return 0;
-        const ovString name = m_current.string();
-        if (name.length() > 2 || name.empty())
-            return 1;
-        const unsigned int* s = name.convert(ovSTRING_UTF32);
-        const bool dots = s[0] == '.' && (name.length() == 1 || s[1] == '.');
-        if (!dots)
+        if (m_current != dot && m_current != dot_dot)
             return 1;
     }
 }

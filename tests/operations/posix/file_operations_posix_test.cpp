@@ -10,6 +10,7 @@
 
 #include <fstream>
 #include <functional>
+#include <set>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -42,11 +43,14 @@ constexpr uid_t kNobody = 65534;
 // process that drops to "nobody" when the tests run as root. The scratch directory is
 // handed to that user first. Returns the body's failure count (or 100 when the child
 // could not run it).
-int with_permissions_enforced(const ScratchDir& dir, const std::function<int()>& body) {
+// Entries named in `keep` stay root's.
+int with_permissions_enforced(const ScratchDir& dir, const std::function<int()>& body,
+                              const std::set<std::string>& keep = {}) {
     if (::geteuid() != 0)
         return body();
     for (const auto& e : fs::recursive_directory_iterator(dir.native()))
-        if (::lchown(e.path().c_str(), kNobody, kNobody) != 0)
+        if (!keep.count(e.path().filename().string()) &&
+            ::lchown(e.path().c_str(), kNobody, kNobody) != 0)
             return 100;
     if (::chown(dir.native().c_str(), kNobody, kNobody) != 0)
         return 100;
@@ -151,32 +155,55 @@ TEST(ovPosixFileOperations, DirectoriesWithoutPermission) {
     fs::create_directory(dir.native("locked"));
     put(dir.native("locked/f"), "secret");
     fs::create_directory(dir.native("locked/sub"));
+    put(dir.native("others"), "others");
+    put(dir.native("public"), "public");
     fs::permissions(dir.native(), fs::perms::owner_all | fs::perms::others_exec);
     if (::geteuid() == 0 && ::access(dir.native().parent_path().c_str(), X_OK) != 0)
         GTEST_SKIP() << "the temporary directory is not searchable by an ordinary user";
-    const int failures = with_permissions_enforced(dir, [&dir]() {
-        int bad = 0;
-        fs::permissions(dir.native("locked"), fs::perms::none);
-        const ovPathName locked = dir.path("locked");
-        // The directory itself is seen; what is inside it is not.
-        bad += ops()->type_of_path(locked) != ovPATH_DIRECTORY;
-        bad += ops()->type_of_path(dir.path("locked/f")) != ovPATH_DOESNT_EXIST;
-        bad += ops()->file_size(dir.path("locked/f")) != 0;
-        bad += ops()->read_mode().file_open(dir.path("locked/f")) != nullptr;
-        bad += ops()->remove_file(dir.path("locked/f")) != 0;
-        bad += ops()->create_directory(dir.path("locked/new")) != 0;
-        bad += ops()->delete_directory(dir.path("locked/sub")) != 0;
-        bad += ops()->delete_directory(locked) != 0; // not empty, and stays unreadable
-        ovIFileIteratorcoPrf it = ops()->iterator(locked);
-        bad += it->invalid() != 0;      // it is a directory
-        bad += Walk::advance(*it) != 0; // that cannot be listed
-        bad += it->undefined() != 1;
-        bad += fs::status(dir.native("locked")).permissions() != fs::perms::owner_write;
-        fs::permissions(dir.native("locked"), fs::perms::owner_all);
-        return bad;
-    });
+    // Made by another user when the tests run as root: only "public" may be read.
+    fs::permissions(dir.native("others"), fs::perms::owner_read);
+    fs::permissions(dir.native("public"), fs::perms::owner_read | fs::perms::others_read);
+    const bool as_root = ::geteuid() == 0;
+    const int failures = with_permissions_enforced(
+        dir,
+        [&dir, as_root]() {
+            int bad = 0;
+            fs::permissions(dir.native("locked"), fs::perms::none);
+            const ovPathName locked = dir.path("locked");
+            // The directory itself is seen; what is inside it is not.
+            bad += ops()->type_of_path(locked) != ovPATH_DIRECTORY;
+            bad += ops()->type_of_path(dir.path("locked/f")) != ovPATH_DOESNT_EXIST;
+            bad += ops()->file_size(dir.path("locked/f")) != 0;
+            // A file the user may not read has no size; one the user owns and may read has.
+            put(dir.native("mine"), "1234");
+            bad += ops()->file_size(dir.path("mine")) != 4;
+            fs::permissions(dir.native("mine"), fs::perms::owner_write);
+            bad += ops()->file_size(dir.path("mine")) != 0;
+            if (as_root) {
+                bad += ops()->file_size(dir.path("others")) != 0;
+                bad += ops()->file_size(dir.path("public")) != 6;
+            }
+            bad += ops()->read_mode().file_open(dir.path("locked/f")) != nullptr;
+            bad += ops()->remove_file(dir.path("locked/f")) != 0;
+            bad += ops()->create_directory(dir.path("locked/new")) != 0;
+            bad += ops()->delete_directory(dir.path("locked/sub")) != 0;
+            bad += ops()->delete_directory(locked) != 0; // not empty, and stays unreadable
+            ovIFileIteratorcoPrf it = ops()->iterator(locked);
+            bad += it->invalid() != 0;      // it is a directory
+            bad += Walk::advance(*it) != 0; // that cannot be listed
+            bad += it->undefined() != 1;
+            bad += fs::status(dir.native("locked")).permissions() != fs::perms::owner_write;
+            fs::permissions(dir.native("locked"), fs::perms::owner_all);
+            return bad;
+        },
+        {"others", "public"});
     EXPECT_EQ(failures, 0);
     EXPECT_EQ(contents(dir.native("locked/f")), "secret");
+    // Root reads what the bits refuse, so it sees the size.
+    if (as_root) {
+        fs::permissions(dir.native("others"), fs::perms::none);
+        EXPECT_EQ(ops()->file_size(dir.path("others")), 6);
+    }
     EXPECT_TRUE(fs::is_directory(dir.native("locked/sub")));
 }
 
