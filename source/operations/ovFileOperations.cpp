@@ -1,5 +1,6 @@
 #include "ovra/ovFileOperations.h"
 
+#include "common/immortal.h"
 #include "operations/path_os.h"
 
 #include <cstring>
@@ -44,8 +45,11 @@ ovIFileIterator::~ovIFileIterator() {}
 
 int ovIFileIterator::operator++() {
     // Compared as names, so the current entry's text is not copied for every entry.
-    static const ovFileName dot(OVSTRING("."));
-    static const ovFileName dot_dot(OVSTRING(".."));
+    // Never destroyed, so that a listing still works from a destructor at exit.
+    static const ovra_internal::Immortal<ovFileName> the_dot(OVSTRING("."));
+    static const ovra_internal::Immortal<ovFileName> the_dot_dot(OVSTRING(".."));
+    const ovFileName& dot = the_dot.value;
+    const ovFileName& dot_dot = the_dot_dot.value;
     // A loop rather than the recursion it replaces: a directory holds one "." and
     // one "..", but nothing else bounds the depth.
     for (;;) {

@@ -71,3 +71,8 @@ TEST(ovWinFileOperations, AttributesOfTheDriveAndOfDotForms) {
     // A dot that is not exactly "." goes to the system, which also finds a directory.
     EXPECT_EQ(ops()->type_of_path(ovPathName(utf8_text("./."))), ovPATH_DIRECTORY);
 }
+
+TEST(ovWinFileOperations, DirectoriesWithoutPermission) {
+    GTEST_SKIP() << "Wine keeps no access control lists: a directory cannot be locked "
+                    "against the user running the tests";
+}
