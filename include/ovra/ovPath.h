@@ -107,12 +107,14 @@ protected:
     // A path of `text` with this path's operations and encoding.
     ovPath new_path(const ovString& text) const;
 
+    // Zero from the default constructor, copied with the path; nothing reads it.
+    int32_t m_reserved;
+
 private:
     // Fills in null dependencies and works out the narrow text.
     void choose(const ovIFileOperations* operations, const ovIStringEncoding* encoding);
     utString narrow(const ovString& text) const;
 
-    int32_t m_reserved;
     int32_t m_text_valid;
     utString m_narrow;
     const ovIStringEncoding* m_encoding;
