@@ -53,12 +53,16 @@ ovFileName ovFileOpsTester::entry(const ovIFileIterator& iterator) {
 }
 
 ovPathName ovFileOpsTester::fresh_path(const char* stem) {
-    for (;;) {
+    // Bounded, so that operations which see something everywhere fail checks rather
+    // than hang the suite.
+    ovPathName path;
+    for (int attempt = 0; attempt < 100; ++attempt) {
         const std::string name = "ovft" + std::to_string(++m_serial) + "_" + stem;
-        const ovPathName path = m_scratch.adjoin(ovFileName(text(name.c_str())));
+        path = m_scratch.adjoin(ovFileName(text(name.c_str())));
         if (m_file_operations->type_of_path(path) == ovPATH_DOESNT_EXIST)
-            return path;
+            break;
     }
+    return path;
 }
 
 void ovFileOpsTester::run() {

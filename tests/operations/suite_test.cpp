@@ -76,6 +76,7 @@ public:
         NO_OS_FORM,
         RENAME_DOES_NOTHING,
         READ_IS_EMPTY,
+        EVERYTHING_IS_A_FILE,
     };
     BrokenFileOperations(const ovIFileOperations* real, Fault fault)
         : DelegatingFileOperations(real), m_fault(fault) {}
@@ -84,6 +85,8 @@ public:
         return m_fault == REMOVES_NOTHING ? 1 : m_real->remove_file(p);
     }
     ovPathType type_of_path(const ovPathName& p) const override {
+        if (m_fault == EVERYTHING_IS_A_FILE)
+            return ovPATH_FILE;
         const ovPathType t = m_real->type_of_path(p);
         return m_fault == DIRECTORIES_LOOK_LIKE_FILES && t == ovPATH_DIRECTORY ? ovPATH_FILE : t;
     }
@@ -137,6 +140,8 @@ TEST(ovFileOpsTester, ReportsEachBrokenOperation) {
         {BrokenFileOperations::NO_OS_FORM, "!os_form.invalid()"},
         {BrokenFileOperations::RENAME_DOES_NOTHING, "!dir1.directory_exists()"},
         {BrokenFileOperations::READ_IS_EMPTY, "array2 == array"},
+        // Fresh names cannot be found: the suite must fail, not hang.
+        {BrokenFileOperations::EVERYTHING_IS_A_FILE, "!m_file_operations->check_file_exists(path)"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.expected);
