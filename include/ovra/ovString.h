@@ -25,6 +25,8 @@
 #include <cstdint>
 #include <iosfwd>
 #include <memory>
+#include <string>
+#include <string_view>
 
 // Constructor tags; the same types select the form that `convert` gives.
 enum ovStringL { ovSTRING_L };                  // null-terminated wide text, no status
@@ -120,6 +122,14 @@ public:
     // UTF-8 up to the first 0 byte (texts of 2 GiB or more are not supported).
     // A lone 0x80 byte reads as U+0080; any other bad sequence fails.
     ovString(ovStringUTF8, const char* s, int& status);
+    // n bytes of UTF-8, read as the form above reads text. A 0 byte among
+    // them fails (a string cannot hold U+0000); a null s gives the null string.
+    ovString(ovStringUTF8, const char* s, size_t n, int& status);
+    // UTF-8 from a std::string_view (or a std::string), as the pointer and
+    // length form; an empty view gives a valid empty string.
+    ovString(ovStringUTF8, std::string_view s, int& status);
+    // As above, without a status: test failed().
+    ovString(ovStringUTF8, std::string_view s);
     // UTF-16 up to the first 0 unit.
     ovString(ovStringUTF16, const ovChar16* s, int& status);
     // n UTF-16 units; a lone surrogate fails.
@@ -167,6 +177,9 @@ public:
     // not Unicode scalar values are encoded bit by bit, never refused.
     const unsigned int* convert(ovStringUTF32) const noexcept { return internal_string(); }
     const char* convert(ovStringUTF8) const;
+    // The UTF-8 form as a std::string of its own: "" for the null string, the
+    // message for a failed one.
+    std::string to_utf8() const;
     const ovChar16* convert(ovStringUTF16) const;
     // The platform's wide form: the UTF-16 cache on Windows, a UTF-32 cache on POSIX.
     const wchar_t* convert(ovStringWcs) const;
