@@ -26,7 +26,7 @@
 #define OV_API __declspec(dllimport)
 #endif
 #elif defined(__GNUC__)
-// Same attribute both ways: the library is built with hidden visibility.
+/// Same attribute both ways: the library is built with hidden visibility.
 #define OV_API __attribute__((visibility("default")))
 #else
 #error "ovra/ovExport.h: unsupported compiler"
