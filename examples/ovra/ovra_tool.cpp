@@ -20,6 +20,11 @@
 
 namespace {
 
+// "1 code point", "3 code points".
+std::string count(size_t n, const char* what) {
+    return std::to_string(n) + " " + what + (n == 1 ? "" : "s");
+}
+
 void print(const std::string& line) {
     std::fwrite(line.data(), 1, line.size(), stdout);
     std::fputc('\n', stdout);
@@ -61,7 +66,7 @@ int text_verb(const std::vector<std::string>& args) {
                   std::to_string(first_bad_byte(arg)) + ")");
             continue;
         }
-        std::string line = "  " + std::to_string(s.length()) + " code points:";
+        std::string line = "  " + count(s.length(), "code point") + ":";
         const unsigned int* cp = s.convert(ovSTRING_UTF32);
         for (size_t i = 0; i < s.length(); ++i) {
             char item[16];
@@ -74,7 +79,7 @@ int text_verb(const std::vector<std::string>& args) {
         size_t units = 0;
         while (u[units])
             ++units;
-        line = "  " + std::to_string(units) + " UTF-16 units:";
+        line = "  " + count(units, "UTF-16 unit") + ":";
         for (size_t i = 0; i < units; ++i) {
             char item[8];
             std::snprintf(item, sizeof item, " %04X", static_cast<unsigned>(u[i]) & 0xFFFFu);
