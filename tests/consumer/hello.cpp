@@ -1,7 +1,6 @@
 // Hello, libovra: UTF-8 in, through UTF-16 and back out.
-#include <ovra/ovString.h>
-
 #include <cstdio>
+#include <ovra/ovString.h>
 
 int main() {
     const ovString text(ovSTRING_UTF8, "naïve 日本語 😀");
