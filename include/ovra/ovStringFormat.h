@@ -19,24 +19,24 @@
 ///
 /// What each conversion takes, in the type-safe `format(fmt, args...)`:
 ///
-///   "%%"                 nothing; renders "%" (width and precision ignored)
-///   "%s"                 an ovString (a null ovString renders as ""); right
-///                        aligned; precision keeps the first n code points and
-///                        the width measures what is kept ("%5.1s" of "ab" is
-///                        "    a"); "0" pads strings with zeros too
-///   "%d"                 any integer (int, long, char, bool, enums, ...);
-///                        signed decimal of the argument's own width (an
-///                        unsigned argument is read as the signed value of the
-///                        same width, as printf does)
-///   "%u"                 any integer; unsigned decimal at the argument's width
-///                        (-1 as int gives 4294967295)
-///   "%x", "%X"           any integer; hexadecimal at the argument's width, no
-///                        "0x" prefix, lower or upper case digits
-///   "%f" "%e" "%E"       a double or float; an integer is converted to double
-///   "%g" "%G"            by value
-///   anything else        nothing: renders "Error formatting string" and takes
-///                        no argument, so later specifiers take the arguments
-///                        meant for earlier ones (deliberate)
+///     "%%"                 nothing; renders "%" (width and precision ignored)
+///     "%s"                 an ovString (a null ovString renders as ""); right
+///                          aligned; precision keeps the first n code points and
+///                          the width measures what is kept ("%5.1s" of "ab" is
+///                          "    a"); "0" pads strings with zeros too
+///     "%d"                 any integer (int, long, char, bool, enums, ...);
+///                          signed decimal of the argument's own width (an
+///                          unsigned argument is read as the signed value of the
+///                          same width, as printf does)
+///     "%u"                 any integer; unsigned decimal at the argument's width
+///                          (-1 as int gives 4294967295)
+///     "%x", "%X"           any integer; hexadecimal at the argument's width, no
+///                          "0x" prefix, lower or upper case digits
+///     "%f" "%e" "%E"       a double or float; an integer is converted to double
+///     "%g" "%G"            by value
+///     anything else        nothing: renders "Error formatting string" and takes
+///                          no argument, so later specifiers take the arguments
+///                          meant for earlier ones (deliberate)
 ///
 /// 8-bit to 32-bit integers are taken as 32-bit values, 64-bit ones (long long,
 /// and long where it is 64-bit) keep all 64 bits: "%d" of 10000000000LL gives
