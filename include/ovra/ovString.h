@@ -316,9 +316,9 @@ protected:
     static void copy(unsigned int* dst, const unsigned int* src, size_t n) noexcept;
 
 private:
-    friend class ovra_internal::TextBuilder; // the library's own builders
+    friend class ovra_internal::TextBuilder; ///< the library's own builders
     void free_caches() noexcept;
-    // Code points [from, to), both clamped to the text; valid even when empty.
+    /// Code points [from, to), both clamped to the text; valid even when empty.
     ovString slice(size_t from, size_t to) const;
 
     ovStringText m_buffer;
