@@ -5,7 +5,8 @@
 /// operations interface the library uses when a caller passes none: every object that
 /// takes an operations pointer and is given null asks a temporary chooser. Each accessor
 /// owns one process-wide instance, built on the first call of that accessor only (asking
-/// for one interface builds no other) and destroyed at process exit. All choosers share
+/// for one interface builds no other) and never destroyed, so that calls from static
+/// destructors at process exit still find it. All choosers share
 /// the same instances; the caller never deletes what an accessor returns.
 ///
 /// The platform's own implementations are returned: the `ovWin…` classes on Windows,
@@ -27,7 +28,7 @@ class ovIProcessEnvironmentOperations;
 class ovISynchOperations;
 
 /// Hands out the process-wide default operations: each is made on first use
-/// and kept until the process ends; every chooser shares the same instances.
+/// and never destroyed; every chooser shares the same instances.
 class OV_API ovFrustrumChooser {
 public:
     /// Keeps encoding (usually null) for choosers that may one day depend on it; no
