@@ -44,15 +44,20 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     std::string line(reinterpret_cast<const char*>(data + 1 + split), size - 1 - split);
     format = format.substr(0, std::strlen(format.c_str()));
     line = line.substr(0, std::strlen(line.c_str()));
-    // At most 32 letters, so 32 arguments always suffice.
+    // At most 32 letters, so 32 arguments always suffice. The letters are found as
+    // readline finds them: "(x" and an optional ")" come before a letter.
     size_t letters = 0;
     for (size_t i = 0; i < format.size(); ++i) {
-        if (format[i] == '(') {
+        const size_t start = i;
+        if (format[i] == '(' && i + 1 < format.size()) {
             i += 2;
-            continue;
+            if (i < format.size() && format[i] == ')')
+                ++i;
+            if (i >= format.size())
+                break;
         }
         if (++letters > 32) {
-            format.resize(i);
+            format.resize(start);
             break;
         }
     }

@@ -1,7 +1,8 @@
-/* A C program that uses the procedural interface: every header that declares
-   C functions is included (c_headers.h, generated), then a few calls are made
-   through C linkage. Exits 0 when all answers are right. */
-#include "c_headers.h"
+/* A C program that uses the generated version header and calls through the
+   export macro as C sees it. Exits 0 when all answers are right. */
+#include "ovra/ovExport.h"
+#include "ovra/ovNarrow.h"
+#include "ovra/ovVersion.h"
 
 #include <stdio.h>
 
