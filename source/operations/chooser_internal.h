@@ -1,0 +1,49 @@
+// Internal: the chooser's platform half and the record of which defaults were built.
+//
+// The platform files (win/, posix/) name the implementation of each interface; this is
+// the only place outside the chooser that knows them. Each default lives in a
+// function-local static of its own, so it is built once, on its first request, safely
+// even when two threads ask at once, and destroyed at process exit.
+#pragma once
+
+#include "ovra/ovExport.h"
+
+class ovISysInfoOperations;
+class ovIProcessThreadOperations;
+class ovILibraryLoaderOperations;
+class ovIProcessEnvironmentOperations;
+class ovISynchOperations;
+
+namespace ovra_internal {
+
+// One bit per default instance.
+enum ChooserDefault : unsigned {
+    CHOSEN_FILE_OPERATIONS = 1u << 0,
+    CHOSEN_SYSTEM_INFO = 1u << 1,
+    CHOSEN_PROCESS_THREAD = 1u << 2,
+    CHOSEN_LIBRARY_LOADER = 1u << 3,
+    CHOSEN_PROCESS_ENVIRONMENT = 1u << 4,
+    CHOSEN_SYNCH = 1u << 5,
+};
+
+// Records that the default `which` has been built.
+void note_default_built(ChooserDefault which) noexcept;
+
+// For tests only, not part of the interface: the ChooserDefault bits of every default
+// built so far in this process.
+OV_API unsigned defaults_built_for_tests() noexcept;
+
+// A default instance that records its construction.
+template <class T> struct RecordedDefault {
+    explicit RecordedDefault(ChooserDefault which) { note_default_built(which); }
+    T object;
+};
+
+// The platform's default instances.
+const ovISysInfoOperations& platform_system_info_operations();
+const ovIProcessThreadOperations& platform_process_thread_operations();
+const ovILibraryLoaderOperations& platform_library_loader_operations();
+ovIProcessEnvironmentOperations& platform_process_environment_operations();
+const ovISynchOperations& platform_synch_operations();
+
+} // namespace ovra_internal
