@@ -60,8 +60,10 @@ void ovSysInfoOpsTester::run() {
     if (!UT_CHECK(m_ops != nullptr))
         return;
     const ovString name = m_ops->computer_name();
-    UT_CHECK(!name.invalid() && !name.failed() && !name.empty());
-    UT_CHECK(name != kComputerNameFailure);
+    const bool computer_name_is_text = !name.invalid() && !name.failed() && !name.empty();
+    UT_CHECK(computer_name_is_text);
+    const bool computer_name_found = name != kComputerNameFailure;
+    UT_CHECK(computer_name_found);
     UT_CHECK(m_ops->computer_name() == name);
 }
 
@@ -208,8 +210,9 @@ void ovProcessEnvironmentOpsTester::run() {
     UT_CHECK(m_ops->get(ovString::literal("OVRA_CONFORMANCE_NEVER_SET_Q7Z")) == empty);
 
     const ovPathName cwd = m_ops->current_directory();
-    UT_CHECK(!cwd.invalid() && !cwd.string().empty());
-    UT_CHECK(!cwd.relative_path());
+    const bool current_directory_is_absolute =
+        !cwd.invalid() && !cwd.string().empty() && !cwd.relative_path();
+    UT_CHECK(current_directory_is_absolute);
 }
 
 ovLibraryLoaderOpsTester::ovLibraryLoaderOpsTester(const ovILibraryLoaderOperations* ops,
@@ -220,9 +223,12 @@ void ovLibraryLoaderOpsTester::run() {
     if (!UT_CHECK(m_ops != nullptr))
         return;
     const utString extension = m_ops->shared_library_extension();
-    UT_CHECK(extension.length() > 1 && extension.c_str()[0] == '.');
+    const bool extension_has_dot = extension.length() > 1 && extension.c_str()[0] == '.';
+    UT_CHECK(extension_has_dot);
     const ovPathName executable = m_ops->executable_path();
-    UT_CHECK(!executable.invalid() && !executable.relative_path());
+    const bool executable_path_is_absolute =
+        !executable.invalid() && !executable.string().empty() && !executable.relative_path();
+    UT_CHECK(executable_path_is_absolute);
 
     const std::string stem = m_library.is_null() ? "" : m_library.c_str();
     const std::string ext = extension.is_null() ? "" : extension.c_str();
