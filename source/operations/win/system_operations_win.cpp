@@ -62,7 +62,9 @@ ovString ovWinProcessEnvironmentOperations::get(const ovString& name) {
         return none;
     const wchar_t* wname = name.convert(ovSTRING_WCS);
     size_t size = 0;
-    if (_wgetenv_s(&size, nullptr, 0, wname) != 0 || size == 0)
+    // Only the size counts here: some runtimes answer this query with ERANGE.
+    _wgetenv_s(&size, nullptr, 0, wname);
+    if (size == 0)
         return none;
     std::unique_ptr<wchar_t[]> buffer(new wchar_t[size]());
     size_t read = 0;
