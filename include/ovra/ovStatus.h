@@ -60,6 +60,9 @@ public:
     // Marks the status tested; true for a non-zero code. Implicit, so a
     // status also serves where a bool is expected (`bool done = op();`).
     operator bool() const noexcept { return ok() != 0; }
+    // Refused, so that `int x = status;` (which would give 1, not the code)
+    // and `status == 7` (always false) do not compile. Use ok() for the code.
+    operator int() const = delete;
     // 1 once the status was tested, copied or assigned from; does not mark it.
     int32_t tested() const noexcept { return m_tested; }
 

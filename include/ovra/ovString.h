@@ -38,13 +38,18 @@ enum ovStringEmpty { ovSTRING_EMPTY };          // a valid empty string
 
 class ovString;
 
-// The shared code points of ovString: one allocation holds an atomic use count
-// followed by the text, so copies on other threads may share and drop it.
+// The shared code points of ovString. Text the library builds lives in one
+// allocation with its atomic use count in front; an array a caller hands over
+// (utPtrClaim) is taken as it is, with the count in a small block of its own.
+// Either way copies on other threads may share and drop it.
 class OV_API ovStringText {
 public:
-    ovStringText() noexcept : m_text(nullptr) {}
+    ovStringText() noexcept : m_text(nullptr), m_uses(nullptr) {}
     ovStringText(const ovStringText& o) noexcept;
-    ovStringText(ovStringText&& o) noexcept : m_text(o.m_text) { o.m_text = nullptr; }
+    ovStringText(ovStringText&& o) noexcept : m_text(o.m_text), m_uses(o.m_uses) {
+        o.m_text = nullptr;
+        o.m_uses = nullptr;
+    }
     ovStringText& operator=(ovStringText o) noexcept {
         swap(o);
         return *this;
@@ -53,6 +58,10 @@ public:
 
     // Room for n code points, uses 1; `text` receives where to write them.
     static ovStringText make(size_t n, unsigned int*& text);
+    // Takes a new[] array into shared ownership without copying it; null gives
+    // no text. If the count's block cannot be allocated the array is freed and
+    // std::bad_alloc propagates.
+    static ovStringText claim(unsigned int* array);
 
     const unsigned int* get() const noexcept { return m_text; }
     explicit operator bool() const noexcept { return m_text != nullptr; }
@@ -60,11 +69,15 @@ public:
         unsigned int* t = m_text;
         m_text = o.m_text;
         o.m_text = t;
+        void* u = m_uses;
+        m_uses = o.m_uses;
+        o.m_uses = u;
     }
     void reset() noexcept { ovStringText().swap(*this); }
 
 private:
     unsigned int* m_text;
+    void* m_uses; // the count: just before m_text, or a block of its own for claimed text
 };
 
 // A code-point position in one particular string. Ordering compares indexes
@@ -214,8 +227,9 @@ public:
     bool operator!=(const ovString& o) const noexcept { return !(*this == o); }
 
 protected:
-    // Takes ownership of a new[] array ending in a 0 code point; the text is
-    // copied into a shared block (builders use with_room and write in place).
+    // Takes ownership of a new[] array ending in a 0 code point and shares it
+    // as it is, without copying; the text ends at its first 0. Null gives the
+    // null string.
     ovString(utPtrClaim, const unsigned int* p);
 
     // A valid string with room for n code points, terminator stored, whose
@@ -257,8 +271,10 @@ private:
     mutable wchar_t* m_wide;
 };
 
-// Tab, line feed, carriage return and space: the usual white space set.
-extern OV_API const ovString ovSTRING_SPACE_CHARS;
+// Tab, line feed, carriage return and space: the usual white space set. A
+// reference to a string that is never destroyed, so it may be used from static
+// destructors at process exit.
+extern OV_API const ovString& ovSTRING_SPACE_CHARS;
 
 // An ovString from a plain ASCII literal: OVSTRING("WOBBLE").
 #define OVSTRING(x) ovString::literal(x)

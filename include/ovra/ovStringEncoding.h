@@ -17,6 +17,7 @@
 // code page numbers on both (POSIX maps them to iconv's tables).
 #pragma once
 
+#include "co/coPrf.h"
 #include "ovra/ovString.h"
 
 #include <cstddef>
@@ -100,6 +101,11 @@ public:
     virtual utString out(const ovString& s, int& status) const = 0;
     virtual ~ovIStringEncoding();
 };
+
+// A shared owning handle to an encoding, for callers that keep encodings alive
+// by handle. The library's own interfaces take plain pointers and own nothing;
+// wrap a chooser's default with coPRF_EXTERN so the handle never deletes it.
+typedef coPrf<const ovIStringEncoding> ovIStringEncodingcoPrf;
 
 // How the operating system's wide text is encoded.
 class OV_API ovIStringOsEncoding {

@@ -119,7 +119,9 @@ enum ovStringFormatArgKind {
 // complement bits (sign-extended). A string argument points at the caller's
 // ovString, which must outlive the argument: `format` packs its arguments for
 // the duration of the call only. Pointers are refused at compile time (pass
-// an ovString, not a char*); so are temporaries of ovString.
+// an ovString, not a char*). A temporary ovString is fine as an argument of
+// `format`, since it lives until the call returns; only building a lasting
+// ovStringFormatArg from a temporary is refused.
 class ovStringFormatArg {
 public:
     ovStringFormatArg() noexcept : m_kind(ovFORMAT_ARG_INT), m_bits(0), m_double(0), m_string() {}

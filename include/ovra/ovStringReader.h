@@ -2,8 +2,10 @@
 // from a std::istream of bytes in a chosen encoding, one code point at a
 // time, turning every line ending (CR LF, lone CR, LF) into a line feed.
 //
-// Error contract: readers never throw (not even for a stream whose
-// exceptions() mask is set, nor when its buffer throws). Problems show in
+// Error contract: readers do not throw for what the stream does (not even for
+// a stream whose exceptions() mask is set, nor when its buffer throws); as
+// everywhere in the library, allocation failure of the result propagates as
+// std::bad_alloc. Problems show in
 // `status` (1) and in the token ending before the character that could not be
 // read; that character is consumed and not returned. End of stream is told by
 // the stream's own state: reading past the end sets eofbit and failbit as
@@ -68,7 +70,8 @@ protected:
     int is_separator(unsigned int c, const char* separators) const;
 };
 
-// The C runtime's current locale, through mbtowc. Windows reads a second byte
+// The C runtime's current locale, through mbrtowc with a state of its own
+// (safe on several threads at once). Windows reads a second byte
 // after a lead byte of the locale's code page (ov_lead_byte); POSIX keeps
 // reading while mbrtowc says the character is incomplete, up to MB_CUR_MAX
 // bytes, so UTF-8 locales are read too. A character cut by the end of the

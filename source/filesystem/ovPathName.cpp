@@ -1,5 +1,6 @@
 #include "ovra/ovPathName.h"
 
+#include "common/immortal.h"
 #include "filesystem/path_text.h"
 
 #include <cstring>
@@ -87,8 +88,8 @@ template <bool Backslash> ovString tidy(const ovString& text) {
 
 // "." is the commonest made-up result; one shared buffer serves them all.
 const ovString& dot_text() {
-    static const ovString dot(ovString::literal("."));
-    return dot;
+    static const ovra_internal::Immortal<ovString> dot(ovString::literal("."));
+    return dot.value;
 }
 
 bool is_dot(const ovString& text) noexcept {

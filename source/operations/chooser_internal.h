@@ -6,8 +6,6 @@
 // even when two threads ask at once, and destroyed at process exit.
 #pragma once
 
-#include "ovra/ovExport.h"
-
 class ovISysInfoOperations;
 class ovIProcessThreadOperations;
 class ovILibraryLoaderOperations;
@@ -29,9 +27,9 @@ enum ChooserDefault : unsigned {
 // Records that the default `which` has been built.
 void note_default_built(ChooserDefault which) noexcept;
 
-// For tests only, not part of the interface: the ChooserDefault bits of every default
-// built so far in this process.
-OV_API unsigned defaults_built_for_tests() noexcept;
+// For tests only, not exported (tests link the library's archive): the ChooserDefault
+// bits of every default built so far in this process.
+unsigned defaults_built_for_tests() noexcept;
 
 // A default instance that records its construction.
 template <class T> struct RecordedDefault {

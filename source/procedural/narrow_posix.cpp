@@ -1,10 +1,7 @@
 #include "ovra/ovNarrow.h"
 
-#include <cctype>
-#include <clocale>
 #include <cstdlib>
 #include <cwchar>
-#include <langinfo.h>
 
 namespace {
 
@@ -14,19 +11,18 @@ inline int fold(unsigned char c) {
     return c >= 'A' && c <= 'Z' ? c + ('a' - 'A') : c;
 }
 
-bool is_utf8_codeset() {
-    const char* set = nl_langinfo(CODESET);
-    if (!set)
+// True when the locale decodes two- and three-byte UTF-8 as UTF-8. Asked of
+// mbrtowc itself rather than of nl_langinfo, whose answer may be overwritten
+// by another thread; nothing is cached, since setlocale may change the answer.
+// A double-byte code page reads these bytes as one two-byte character of its
+// own, never as U+00E9 then U+20AC.
+bool decodes_utf8() {
+    std::mbstate_t state{};
+    wchar_t w = 0;
+    if (std::mbrtowc(&w, "\xC3\xA9", 2, &state) != 2 || w != 0xE9)
         return false;
-    const char* want = "utf8";
-    for (; *set; ++set) {
-        if (*set == '-' || *set == '_')
-            continue;
-        if (std::tolower(static_cast<unsigned char>(*set)) != *want)
-            return false;
-        ++want;
-    }
-    return *want == 0;
+    state = std::mbstate_t{};
+    return std::mbrtowc(&w, "\xE2\x82\xAC", 3, &state) == 3 && w == 0x20AC;
 }
 
 } // namespace
@@ -44,7 +40,7 @@ extern "C" OV_API int ov_stricmp(const char* a, const char* b) {
 }
 
 extern "C" OV_API int ov_lead_byte(char c) {
-    if (MB_CUR_MAX == 1 || is_utf8_codeset())
+    if (MB_CUR_MAX == 1 || decodes_utf8())
         return 0;
     std::mbstate_t state{};
     return std::mbrlen(&c, 1, &state) == static_cast<size_t>(-2) ? 1 : 0;

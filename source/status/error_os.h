@@ -2,8 +2,6 @@
 // seam that lets tests see the message box's arguments without a window.
 #pragma once
 
-#include "ovra/ovExport.h"
-
 #include <cstdint>
 #include <string>
 
@@ -19,8 +17,9 @@ bool system_error_text(int32_t number, std::string& text);
 // default handler writes to its stream instead.
 ErrorBoxFunc platform_error_box();
 
-// For tests only, not part of the interface: installs `box` in place of the
-// platform's (null puts the platform's back) and returns the one before.
-OV_API ErrorBoxFunc set_error_box_for_tests(ErrorBoxFunc box);
+// For tests only, not exported (tests link the library's archive): installs
+// `box` in place of the platform's (null puts the platform's back) and returns
+// the one before.
+ErrorBoxFunc set_error_box_for_tests(ErrorBoxFunc box);
 
 } // namespace ovra_internal

@@ -8,30 +8,32 @@
 
 namespace ovra_internal {
 
-// The exact UTF-8 rules, for everything the inline reader does not accept.
+// Everything the inline reader does not accept, and what a bad sequence costs:
+// the bytes its lead announces are taken (up to the first that does not
+// continue it) and give one "?".
 unsigned int read_utf8_slow(const char*& p, const char* end, bool& exact) {
     const unsigned int b = static_cast<unsigned char>(*p++);
-    if (b <= 0x80)
+    if (b <= 0x80) // a lone 0x80 passes as U+0080, on purpose
         return b;
-    const size_t k = b >= 0xF8 ? 4 : b >= 0xF0 ? 3 : b >= 0xE0 ? 2 : b >= 0xC0 ? 1 : 0;
-    if (b < 0xC0 || k > 3) {
+    const Utf8Lead& lead = kUtf8.lead[b];
+    if (lead.announced < 0) {
         // A run of stray continuation bytes (0x80 included) gives one "?".
         exact = false;
         while (p < end && is_continuation(static_cast<unsigned char>(*p)))
             ++p;
         return kReplacement;
     }
-    unsigned int c = b & ((1u << (6 - k)) - 1u);
-    bool bad = false;
-    for (size_t i = 0; i < k; ++i) {
+    const unsigned int second = p < end ? static_cast<unsigned char>(*p) : 0;
+    unsigned int c = b & lead.bits;
+    bool whole = true;
+    for (int i = 0; i < lead.announced; ++i) {
         if (p == end || !is_continuation(static_cast<unsigned char>(*p))) {
-            bad = true; // the offending byte is left for the next read
+            whole = false; // the offending byte is left for the next read
             break;
         }
         c = (c << 6) | (static_cast<unsigned char>(*p++) & 0x3Fu);
     }
-    static const unsigned int smallest[4] = {0, 0x80, 0x800, 0x10000};
-    if (bad || c < smallest[k] || (c >= 0xD800 && c <= 0xDFFF) || c >= 0x110000) {
+    if (!whole || !utf8_second_ok(lead, second)) {
         exact = false;
         return kReplacement;
     }
@@ -69,17 +71,10 @@ struct LeadInfo {
 constexpr LeadInfo make_lead_info() {
     LeadInfo t{};
     for (unsigned b = 0; b < 256; ++b) {
-        unsigned mask = 0xFF, extra = 0;
-        if (b > 0x80 && b < 0xE0) {
-            mask = 0x1F;
-            extra = 1;
-        } else if (b >= 0xE0 && b < 0xF0) {
-            mask = 0x0F;
-            extra = 2;
-        } else if (b >= 0xF0) {
-            mask = 0x07;
-            extra = 3;
-        }
+        const Utf8Lead lead = kUtf8.lead[b];
+        // A lone 0x80 decodes as itself; other non-leads never start a character of exact text.
+        const unsigned mask = b <= 0x80 ? 0xFF : lead.bits;
+        const unsigned extra = lead.announced > 0 ? static_cast<unsigned>(lead.announced) : 0;
         t.info[b] = static_cast<uint16_t>(mask | (extra << 8));
     }
     return t;
@@ -89,6 +84,34 @@ constexpr LeadInfo kLeadInfo = make_lead_info();
 
 // The fast paths work on 64-byte blocks, one bit per byte.
 constexpr size_t kBlock = 64;
+
+// The block scanner asks the same rules as every other reader, as byte classes:
+// where leads start and stop, and the four leads whose first continuation byte
+// has a narrower range. The checks below hold it to the lead table.
+constexpr unsigned kFirstLead = 0xC2;    // C0 and C1 only spell overlong forms
+constexpr unsigned kPastLastLead = 0xF5; // F5 and up would go past U+10FFFF
+constexpr unsigned kE0Floor = 0xA0;      // E0 needs at least this, ED less
+constexpr unsigned kF0Floor = 0x90;      // F0 needs at least this, F4 less
+
+constexpr bool scanner_matches_the_rules() {
+    for (unsigned b = 0x80; b < 0x100; ++b) {
+        const Utf8Lead lead = kUtf8.lead[b];
+        const int announced = b < 0xC0 || b >= 0xF8 ? -1 : b >= 0xF0 ? 3 : b >= 0xE0 ? 2 : 1;
+        if (lead.announced != announced)
+            return false;
+        const bool starts = b >= kFirstLead && b < kPastLastLead;
+        if (starts != (lead.lo <= lead.hi))
+            return false;
+        if (!starts)
+            continue;
+        const unsigned lo = b == 0xE0 ? kE0Floor : b == 0xF0 ? kF0Floor : 0x80;
+        const unsigned hi = b == 0xED ? kE0Floor - 1 : b == 0xF4 ? kF0Floor - 1 : 0xBF;
+        if (lead.lo != lo || lead.hi != hi)
+            return false;
+    }
+    return true;
+}
+static_assert(scanner_matches_the_rules(), "the block scanner and the lead table disagree");
 
 // Byte classes of one block.
 struct BlockMasks {
@@ -114,12 +137,12 @@ inline BlockMasks classify(const unsigned char* p) {
         const int at = 16 * j;
         m.ge80 |= static_cast<uint64_t>(static_cast<uint16_t>(_mm_movemask_epi8(x))) << at;
         m.geC0 |= at_least16(x, 0xC0) << at;
-        m.geC2 |= at_least16(x, 0xC2) << at;
+        m.geC2 |= at_least16(x, kFirstLead) << at;
         m.geE0 |= at_least16(x, 0xE0) << at;
         m.geF0 |= at_least16(x, 0xF0) << at;
-        m.geF5 |= at_least16(x, 0xF5) << at;
-        m.ge90 |= at_least16(x, 0x90) << at;
-        m.geA0 |= at_least16(x, 0xA0) << at;
+        m.geF5 |= at_least16(x, kPastLastLead) << at;
+        m.ge90 |= at_least16(x, kF0Floor) << at;
+        m.geA0 |= at_least16(x, kE0Floor) << at;
         m.eq80 |= equal16(x, 0x80) << at;
         m.eqE0 |= equal16(x, 0xE0) << at;
         m.eqED |= equal16(x, 0xED) << at;
@@ -145,12 +168,12 @@ inline BlockMasks classify(const unsigned char* p) {
         const uint64_t bit = uint64_t(1) << i;
         m.ge80 |= b >= 0x80 ? bit : 0;
         m.geC0 |= b >= 0xC0 ? bit : 0;
-        m.geC2 |= b >= 0xC2 ? bit : 0;
+        m.geC2 |= b >= kFirstLead ? bit : 0;
         m.geE0 |= b >= 0xE0 ? bit : 0;
         m.geF0 |= b >= 0xF0 ? bit : 0;
-        m.geF5 |= b >= 0xF5 ? bit : 0;
-        m.ge90 |= b >= 0x90 ? bit : 0;
-        m.geA0 |= b >= 0xA0 ? bit : 0;
+        m.geF5 |= b >= kPastLastLead ? bit : 0;
+        m.ge90 |= b >= kF0Floor ? bit : 0;
+        m.geA0 |= b >= kE0Floor ? bit : 0;
         m.eq80 |= b == 0x80 ? bit : 0;
         m.eqE0 |= b == 0xE0 ? bit : 0;
         m.eqED |= b == 0xED ? bit : 0;
@@ -179,7 +202,7 @@ public:
     // bytes marked in `counted`.
     size_t block(const unsigned char* p, uint64_t counted = ~uint64_t(0)) {
         if (m_cover == 0 && high_bits(p) == 0) // plain ASCII
-            return static_cast<size_t>(__builtin_popcountll(counted));
+            return ovra_internal::popcount64(counted);
         const BlockMasks m = classify(p);
         const uint64_t cont = m.ge80 & ~m.geC0;
         const uint64_t covered = (m.geC0 << 1) | (m.geE0 << 2) | (m.geF0 << 3) | m_cover;
@@ -196,7 +219,7 @@ public:
         m_ed = m.eqED >> 63;
         m_f0 = m.eqF0 >> 63;
         m_f4 = m.eqF4 >> 63;
-        return static_cast<size_t>(__builtin_popcountll(~covered & counted));
+        return ovra_internal::popcount64(~covered & counted);
     }
 
     // True when no block broke a rule and no character runs past the end.
@@ -256,7 +279,7 @@ void decode_exact_utf8(const char* src, size_t n, unsigned int* dst) {
         const uint64_t covered = (m.geC0 << 1) | (m.geE0 << 2) | (m.geF0 << 3) | carry;
         carry = (m.geC0 >> 63) | (m.geE0 >> 62) | (m.geF0 >> 61);
         for (uint64_t starts = ~covered & valid; starts; starts &= starts - 1)
-            dst[k++] = decode_at(b + __builtin_ctzll(starts));
+            dst[k++] = decode_at(b + ovra_internal::lowest_bit64(starts));
     };
     while (static_cast<size_t>(end - p) >= kBlock + 3) {
         if ((high_bits(p) | carry) == 0) { // plain ASCII

@@ -1,5 +1,6 @@
 #include "ovra/ovStringEncoding.h"
 
+#include "common/immortal.h"
 #include "strings/utf_codec.h"
 
 #include <cstdlib>
@@ -65,13 +66,13 @@ utString ovStringCRTEncoding::out(const ovString& s, int& status) const {
 // ---- choosers -----------------------------------------------------------------
 
 const ovIStringEncoding* ovStringEncodingChooser::ut_encoding() const {
-    static const ovStringUTF8Encoding the_ut_encoding;
-    return &the_ut_encoding;
+    static const ovra_internal::Immortal<ovStringUTF8Encoding> the_ut_encoding;
+    return &the_ut_encoding.value;
 }
 
 const ovIStringEncoding* ovStringEncodingChooser::mb_encoding() const {
-    static const ovStringCRTEncoding the_mb_encoding;
-    return &the_mb_encoding;
+    static const ovra_internal::Immortal<ovStringCRTEncoding> the_mb_encoding;
+    return &the_mb_encoding.value;
 }
 
 // ---- converters ---------------------------------------------------------------

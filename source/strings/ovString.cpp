@@ -1,6 +1,7 @@
 #include "ovra/ovString.h"
 
 #include "co/coHash.h"
+#include "common/immortal.h"
 #include "strings/utf_codec.h"
 
 #include <algorithm>
@@ -18,42 +19,56 @@ using ovra_internal::kFailedUtf16;
 using ovra_internal::kFailedUtf8;
 using ovra_internal::kUnsafeAscii;
 
-// The use count sits just before the text; 8 bytes keep the text aligned.
+// The use count of built text sits just before it; 8 bytes keep the text aligned.
 typedef std::atomic<size_t> Uses;
 static_assert(sizeof(Uses) % alignof(unsigned int) == 0, "text must stay aligned");
 
-Uses* uses_of(const unsigned int* text) {
-    return reinterpret_cast<Uses*>(
-        const_cast<char*>(reinterpret_cast<const char*>(text) - sizeof(Uses)));
+bool is_inline(const unsigned int* text, const void* uses) {
+    return static_cast<const char*>(uses) + sizeof(Uses) == reinterpret_cast<const char*>(text);
 }
 
 } // namespace
 
-ovStringText::ovStringText(const ovStringText& o) noexcept : m_text(o.m_text) {
-    if (m_text)
-        uses_of(m_text)->fetch_add(1, std::memory_order_relaxed);
+ovStringText::ovStringText(const ovStringText& o) noexcept : m_text(o.m_text), m_uses(o.m_uses) {
+    if (m_uses)
+        static_cast<Uses*>(m_uses)->fetch_add(1, std::memory_order_relaxed);
 }
 
 ovStringText::~ovStringText() {
-    if (m_text && uses_of(m_text)->fetch_sub(1, std::memory_order_acq_rel) == 1) {
-        Uses* uses = uses_of(m_text);
-        uses->~Uses();
-        ::operator delete(uses);
-    }
+    if (!m_uses || static_cast<Uses*>(m_uses)->fetch_sub(1, std::memory_order_acq_rel) != 1)
+        return;
+    Uses* uses = static_cast<Uses*>(m_uses);
+    if (!is_inline(m_text, uses))
+        delete[] m_text;
+    uses->~Uses();
+    ::operator delete(uses);
 }
 
 ovStringText ovStringText::make(size_t n, unsigned int*& text) {
     if (n > (SIZE_MAX - sizeof(Uses)) / sizeof(unsigned int))
         throw std::bad_alloc();
     void* block = ::operator new(sizeof(Uses) + n * sizeof(unsigned int));
-    new (block) Uses(1);
     ovStringText t;
+    t.m_uses = new (block) Uses(1);
     t.m_text = reinterpret_cast<unsigned int*>(static_cast<char*>(block) + sizeof(Uses));
     text = t.m_text;
     return t;
 }
 
-const ovString ovSTRING_SPACE_CHARS(ovSTRING_L, L"\t\n\r ");
+ovStringText ovStringText::claim(unsigned int* array) {
+    std::unique_ptr<unsigned int[]> owned(array);
+    ovStringText t;
+    if (array) {
+        t.m_uses = new (::operator new(sizeof(Uses))) Uses(1);
+        t.m_text = owned.release();
+    }
+    return t;
+}
+
+namespace {
+const ovra_internal::Immortal<ovString> the_space_chars(ovSTRING_L, L"\t\n\r ");
+}
+const ovString& ovSTRING_SPACE_CHARS = the_space_chars.value;
 
 // ---- construction --------------------------------------------------------
 
@@ -187,12 +202,8 @@ void ovString::init_null() noexcept {
 
 void ovString::init(utPtrClaim, const unsigned int* p) {
     init_null();
-    if (!p)
-        return;
-    // Claimed arrays come from new[]; the text moves into a shared block.
-    std::unique_ptr<const unsigned int[]> claimed(p);
-    const size_t n = length_utf32(p); // an embedded 0 cuts the text, on purpose
-    copy(init_text(n), p, n);
+    m_buffer = ovStringText::claim(const_cast<unsigned int*>(p));
+    m_length = length_utf32(p); // an embedded 0 cuts the text, on purpose
 }
 
 ovString ovString::with_room(size_t n, unsigned int*& text) {

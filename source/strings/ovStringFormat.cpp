@@ -9,6 +9,7 @@
 // the same as the piece-by-piece build.
 #include "ovra/ovStringFormat.h"
 
+#include "common/bits.h"
 #include "strings/text_builder.h"
 
 #include <climits>
@@ -819,7 +820,7 @@ inline size_t find_percent(const unsigned int* t, size_t i, size_t len) noexcept
         const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(t + i));
         const int mask = _mm_movemask_ps(_mm_castsi128_ps(_mm_cmpeq_epi32(v, percent)));
         if (mask)
-            return i + static_cast<size_t>(__builtin_ctz(static_cast<unsigned int>(mask)));
+            return i + ovra_internal::lowest_bit64(static_cast<unsigned int>(mask));
     }
 #endif
     while (i < len && t[i] != '%')

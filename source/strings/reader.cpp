@@ -1,6 +1,8 @@
 #include "ovra/ovStringReader.h"
 
+#include "common/bits.h"
 #include "strings/reader_stream.h"
+#include "strings/utf_codec.h"
 
 #include <cstdint>
 #include <ostream>
@@ -40,7 +42,9 @@ ovString token_text(const unsigned int* chunk, size_t count, std::vector<unsigne
     return ovString(ovSTRING_UTF32, spill.data(), spill.size(), status);
 }
 
-// is_separator as one bit test: 0 is always in the set.
+// What ends a token, as one bit test per character: the end of stream (0), a
+// character cut by the end, or a byte of the separators. read_token and
+// is_separator both ask it.
 class SeparatorSet {
 public:
     explicit SeparatorSet(const char* separators) : m_bits{1, 0, 0, 0} {
@@ -145,15 +149,7 @@ int ovStringReader::valid_separators(const char* separators) const {
 }
 
 int ovStringReader::is_separator(unsigned int c, const char* separators) const {
-    if (c == ovREADER_END || c == ovREADER_CUT_CHARACTER)
-        return 1;
-    if (!separators || c > 0xFF)
-        return 0;
-    for (const char* p = separators; *p; ++p) {
-        if (static_cast<unsigned char>(*p) == c)
-            return 1;
-    }
-    return 0;
+    return SeparatorSet(separators).contains(c) ? 1 : 0;
 }
 
 // ---- UTF-8 ---------------------------------------------------------------
@@ -161,14 +157,14 @@ int ovStringReader::is_separator(unsigned int c, const char* separators) const {
 namespace {
 
 // Everything but ASCII, out of line so that the ASCII path needs no frame.
-[[gnu::noinline]] unsigned int read_utf8_rest(std::istream& is, int b, int& status) {
+OVRA_NOINLINE unsigned int read_utf8_rest(std::istream& is, int b, int& status) {
     if (b == kEndOfStream)
         return ovREADER_END;
     if (b == '\r')
         return ovra_internal::line_feed_after_cr(is);
-    // The leading 1 bits give the length. One is a stray continuation byte;
-    // five or more do not fit a four-byte character.
-    const int length = b >= 0xF8 ? 0 : b >= 0xF0 ? 4 : b >= 0xE0 ? 3 : b >= 0xC0 ? 2 : 0;
+    // The lead announces the length; a byte that starts nothing is refused
+    // here, the rest is judged by the converter.
+    const int length = ovra_internal::kUtf8.lead[b].announced + 1;
     if (length == 0) {
         status = 1;
         return ovREADER_BAD_CHARACTER;

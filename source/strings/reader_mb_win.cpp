@@ -3,7 +3,7 @@
 
 #include "strings/reader_stream.h"
 
-#include <cstdlib>
+#include <cwchar>
 
 unsigned int ovra_internal::read_mb_rest(std::istream& is, int b, int& status) {
     char bytes[2] = {static_cast<char>(b), 0};
@@ -17,12 +17,17 @@ unsigned int ovra_internal::read_mb_rest(std::istream& is, int b, int& status) {
         bytes[1] = static_cast<char>(c);
         n = 2;
     }
+    // mbrtowc with a state of its own: mbtowc's hidden state is shared by
+    // every thread. The runtime's code pages have no shift states, so a fresh
+    // state per character reads the same as one kept for the whole stream.
+    std::mbstate_t state{};
     wchar_t w = 0;
-    if (std::mbtowc(&w, bytes, static_cast<size_t>(n)) < 0) {
+    const size_t r = std::mbrtowc(&w, bytes, static_cast<size_t>(n), &state);
+    if (r == static_cast<size_t>(-1) || r == static_cast<size_t>(-2)) {
         status = 1;
         return ovREADER_BAD_CHARACTER;
     }
-    // mbtowc gives one UTF-16 unit, so a surrogate here is unpaired: "?".
+    // mbrtowc gives one UTF-16 unit, so a surrogate here is unpaired: "?".
     const ovChar16 unit = w;
     unsigned int codes[2];
     ovOvra::ConvertUTF().utf16_to_utf32(&unit, 1, codes, 2);

@@ -7,6 +7,7 @@
 // input, so the fast paths never change what a conversion returns.
 #pragma once
 
+#include "common/bits.h"
 #include "ovra/ovString.h"
 
 #include <cstddef>
@@ -19,6 +20,55 @@ constexpr unsigned int kReplacement = 0x3F; // "?", not U+FFFD, on purpose
 
 inline bool is_continuation(unsigned char b) {
     return (b & 0xC0u) == 0x80u;
+}
+
+// What UTF-8 is, written once for every loop that reads it. The leading 1 bits
+// of a byte announce how many continuation bytes (0x80-0xBF) follow. A sequence
+// is well-formed when all of them are there and the first lies in the lead's
+// range, which is narrower for the leads that could otherwise spell an overlong
+// form (E0, F0), a surrogate (ED) or a value above U+10FFFF (F4). C0, C1 and
+// F5-F7 announce a length but start nothing well-formed; the readers still take
+// the bytes they announce before giving "?".
+struct Utf8Lead {
+    int8_t announced; // continuation bytes announced; -1 for 0x80-0xBF and 0xF8-0xFF
+    uint8_t lo, hi;   // range of the first continuation byte; empty (lo > hi) when
+                      // nothing well-formed starts with this byte
+    uint8_t bits;     // the lead's share of the code point
+};
+
+constexpr Utf8Lead utf8_lead(unsigned b) {
+    if (b < 0x80)
+        return {0, 1, 0, 0x7F};
+    if (b < 0xC0 || b >= 0xF8)
+        return {-1, 1, 0, 0};
+    if (b < 0xE0)
+        return {1, static_cast<uint8_t>(b < 0xC2 ? 1 : 0x80), static_cast<uint8_t>(b < 0xC2 ? 0 : 0xBF),
+                0x1F};
+    if (b < 0xF0)
+        return {2, static_cast<uint8_t>(b == 0xE0 ? 0xA0 : 0x80),
+                static_cast<uint8_t>(b == 0xED ? 0x9F : 0xBF), 0x0F};
+    if (b >= 0xF5)
+        return {3, 1, 0, 0x07};
+    return {3, static_cast<uint8_t>(b == 0xF0 ? 0x90 : 0x80),
+            static_cast<uint8_t>(b == 0xF4 ? 0x8F : 0xBF), 0x07};
+}
+
+struct Utf8LeadTable {
+    Utf8Lead lead[256];
+};
+
+constexpr Utf8LeadTable make_utf8_lead_table() {
+    Utf8LeadTable t{};
+    for (unsigned b = 0; b < 256; ++b)
+        t.lead[b] = utf8_lead(b);
+    return t;
+}
+
+inline constexpr Utf8LeadTable kUtf8 = make_utf8_lead_table();
+
+// True when the first continuation byte after `lead` may be `b`.
+inline bool utf8_second_ok(const Utf8Lead& lead, unsigned b) {
+    return b >= lead.lo && b <= lead.hi;
 }
 
 unsigned int read_utf8_slow(const char*& p, const char* end, bool& exact);
@@ -43,28 +93,24 @@ struct Utf8 {
             ++p;
             return b;
         }
-        const std::ptrdiff_t left = end - p;
-        if (b >= 0xC2 && b < 0xE0) {
-            if (left >= 2 && is_continuation(q[1])) {
+        // Well-formed sequences decode here; the rest, by the same rules, out of line.
+        const Utf8Lead& lead = kUtf8.lead[b];
+        const std::ptrdiff_t k = lead.announced;
+        if (k > 0 && end - p > k && utf8_second_ok(lead, q[1])) {
+            unsigned int c = ((b & lead.bits) << 6) | (q[1] & 0x3Fu);
+            if (k == 1) {
                 p += 2;
-                return ((b & 0x1Fu) << 6) | (q[1] & 0x3Fu);
+                return c;
             }
-        } else if (b >= 0xE0 && b < 0xF0) {
-            if (left >= 3 && is_continuation(q[1]) && is_continuation(q[2])) {
-                const unsigned int c = ((b & 0x0Fu) << 12) | ((q[1] & 0x3Fu) << 6) | (q[2] & 0x3Fu);
-                if (c >= 0x800 && (c < 0xD800 || c > 0xDFFF)) {
+            if (is_continuation(q[2])) {
+                c = (c << 6) | (q[2] & 0x3Fu);
+                if (k == 2) {
                     p += 3;
                     return c;
                 }
-            }
-        } else if (b >= 0xF0 && b < 0xF5) {
-            if (left >= 4 && is_continuation(q[1]) && is_continuation(q[2]) &&
-                is_continuation(q[3])) {
-                const unsigned int c = ((b & 0x07u) << 18) | ((q[1] & 0x3Fu) << 12) |
-                                       ((q[2] & 0x3Fu) << 6) | (q[3] & 0x3Fu);
-                if (c >= 0x10000 && c < 0x110000) {
+                if (is_continuation(q[3])) {
                     p += 4;
-                    return c;
+                    return (c << 6) | (q[3] & 0x3Fu);
                 }
             }
         }

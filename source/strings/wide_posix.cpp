@@ -3,6 +3,7 @@
 // see one behaviour), and copied out into a cache of its own.
 #include "ovra/ovStringEncoding.h"
 
+#include "common/immortal.h"
 #include "strings/utf_codec.h"
 
 #include <cstdint>
@@ -48,6 +49,6 @@ ovBuffer<wchar_t> ovStringUTF32OsEncoding::out(const ovString& s, int& status) c
 }
 
 const ovIStringOsEncoding* ovStringOsEncodingChooser::os_encoding() const {
-    static const ovStringUTF32OsEncoding the_os_encoding;
-    return &the_os_encoding;
+    static const ovra_internal::Immortal<ovStringUTF32OsEncoding> the_os_encoding;
+    return &the_os_encoding.value;
 }

@@ -1,6 +1,8 @@
 // Windows: wide text is UTF-16, so the wide forms are the UTF-16 ones.
 #include "ovra/ovStringEncoding.h"
 
+#include "common/immortal.h"
+
 void ovString::init_l(const wchar_t* p) {
     init_utf16(p, length_utf16(p));
 }
@@ -20,6 +22,6 @@ ovBuffer<wchar_t> ovStringUTF16OsEncoding::out(const ovString& s, int& status) c
 }
 
 const ovIStringOsEncoding* ovStringOsEncodingChooser::os_encoding() const {
-    static const ovStringUTF16OsEncoding the_os_encoding;
-    return &the_os_encoding;
+    static const ovra_internal::Immortal<ovStringUTF16OsEncoding> the_os_encoding;
+    return &the_os_encoding.value;
 }

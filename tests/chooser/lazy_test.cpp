@@ -2,7 +2,7 @@
 // own, since any earlier test could have asked for anything.
 #include "ovra/ovFrustrumChooser.h"
 
-#include "../../source/operations/chooser_internal.h"
+#include "operations/chooser_internal.h"
 
 #include <gtest/gtest.h>
 

@@ -5,7 +5,7 @@
 
 #include "ovra/ovStatus.h"
 
-#include "../../source/status/error_os.h"
+#include "status/error_os.h"
 
 #include <gtest/gtest.h>
 

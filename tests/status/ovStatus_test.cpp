@@ -2,6 +2,21 @@
 
 #include <gtest/gtest.h>
 
+#include <type_traits>
+#include <utility>
+
+namespace {
+template <class T, class = void> struct ComparesWithInt : std::false_type {};
+template <class T>
+struct ComparesWithInt<T, decltype(void(std::declval<T>() == 7))> : std::true_type {};
+} // namespace
+
+// The conversions callers rely on compile; the two traps do not.
+static_assert(std::is_convertible<ovStatus, bool>::value, "bool done = op();");
+static_assert(std::is_convertible<int, ovStatus>::value, "return 0;");
+static_assert(!std::is_convertible<ovStatus, int>::value, "int x = status; gives 1");
+static_assert(!ComparesWithInt<ovStatus>::value, "status == 7 compares a bool");
+
 TEST(ovStatus, OkAndConditionGiveTheCodeAndMarkTested) {
     const struct {
         int32_t code;

@@ -49,6 +49,21 @@ TEST(ovStringEncoding, ChoosersHandOutOneLastingInstanceEach) {
     EXPECT_EQ(std::wstring(back.text(), back.length()), w.c_str());
 }
 
+TEST(ovStringEncoding, HandlesOwnOrBorrowEncodings) {
+    const ovIStringEncoding* fixed = ovStringEncodingChooser().ut_encoding();
+    ovIStringEncodingcoPrf borrowed(fixed, coPRF_EXTERN);
+    EXPECT_TRUE(borrowed.external());
+    borrowed.reset(); // must leave the process-wide default alone
+    EXPECT_EQ(ovStringEncodingChooser().ut_encoding(), fixed);
+
+    ovIStringEncodingcoPrf owned(new ovStringUTF8Encoding());
+    const ovIStringEncodingcoPrf copy = owned;
+    EXPECT_EQ(copy.use_count(), 2);
+    int st = -1;
+    EXPECT_EQ(utf8_of(copy->in("\xC3\xA9t\xC3\xA9", st)), "\xC3\xA9t\xC3\xA9");
+    EXPECT_EQ(st, 0);
+}
+
 TEST(ovStringEncoding, Utf8AndCrtEncodings) {
     const ovStringUTF8Encoding utf8;
     int st = -1;

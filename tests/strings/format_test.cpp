@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include <type_traits>
+
 #include <climits>
 #include <cmath>
 #include <cstdarg>
@@ -377,6 +379,10 @@ TEST(ovStringFormat, TypeSafeEntryAndNullOrFailedFormats) {
     EXPECT_EQ(fmt("%d items, %s, %8.3f, %x", 42, from_utf8("widgets"), 3.14159, 0xBEEFu),
               "42 items, widgets,    3.142, beef");
     EXPECT_EQ(fmt("%%"), "%");
+    // Temporaries live through format (above); a lasting argument may not hold one.
+    static_assert(!std::is_constructible<ovStringFormatArg, ovString&&>::value, "temporary");
+    static_assert(std::is_constructible<ovStringFormatArg, const ovString&>::value, "lvalue");
+    static_assert(!std::is_constructible<ovStringFormatArg, const char*>::value, "pointer");
 
     const ovStringFormatter f;
     for (const ovString& from_null : {f.format(ovString(), 1, 2), f.format(ovString())})

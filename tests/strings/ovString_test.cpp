@@ -164,6 +164,29 @@ TEST(ovString, Utf32IsKeptAsGivenAndCutAtZero) {
     EXPECT_EQ(code_points(ovString(ovSTRING_UTF32, embedded, 4, st)), (codes{'a', 'b'}));
 }
 
+namespace {
+// The claiming constructor is for the library's own builders; reach it as one.
+struct Claimed : ovString {
+    explicit Claimed(const unsigned int* p) : ovString(utPTR_CLAIM, p) {}
+};
+} // namespace
+
+TEST(ovString, ClaimedArrayIsSharedNotCopied) {
+    unsigned int* array = new unsigned int[5]{'a', 0xE9, 'b', 0, 'z'};
+    ovString copy;
+    {
+        const Claimed s(array);
+        EXPECT_EQ(s.convert(ovSTRING_UTF32), array) << "no copy";
+        EXPECT_EQ(code_points(s), (codes{'a', 0xE9, 'b'})) << "cut at the first 0";
+        copy = s;
+    }
+    // The copy keeps the claimed array alive; ASan checks it is freed once, with delete[].
+    EXPECT_EQ(copy.convert(ovSTRING_UTF32), array);
+    EXPECT_EQ(utf8_of(copy), "a\xC3\xA9"
+                             "b");
+    EXPECT_TRUE(Claimed(nullptr).invalid());
+}
+
 TEST(ovString, WideAndLiteralForms) {
     const ovString wide(ovSTRING_L, L"WOBBLE");
     EXPECT_TRUE(wide == OVSTRING("WOBBLE"));
