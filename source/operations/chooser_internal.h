@@ -3,8 +3,11 @@
 // The platform files (win/, posix/) name the implementation of each interface; this is
 // the only place outside the chooser that knows them. Each default lives in a
 // function-local static of its own, so it is built once, on its first request, safely
-// even when two threads ask at once, and destroyed at process exit.
+// even when two threads ask at once. It is never destroyed, so that code running from a
+// static destructor at exit can still use it.
 #pragma once
+
+#include "common/immortal.h"
 
 class ovISysInfoOperations;
 class ovIProcessThreadOperations;
@@ -31,10 +34,11 @@ void note_default_built(ChooserDefault which) noexcept;
 // bits of every default built so far in this process.
 unsigned defaults_built_for_tests() noexcept;
 
-// A default instance that records its construction.
+// A default instance that records its construction and is never destroyed.
 template <class T> struct RecordedDefault {
     explicit RecordedDefault(ChooserDefault which) { note_default_built(which); }
-    T object;
+    T& object() { return held.value; }
+    Immortal<T> held;
 };
 
 // The platform's default instances.

@@ -19,7 +19,7 @@ const ovString kComputerNameFailure =
 // How long a check waits for a thread that should finish at once, and how long a thread
 // that should be kept out is given to get in.
 constexpr std::chrono::milliseconds kFinishLimit(5000);
-constexpr std::chrono::milliseconds kKeptOutFor(50);
+constexpr std::chrono::milliseconds kKeptOutFor(100);
 
 // True when flag reaches 1 within limit.
 bool wait_for(const std::atomic<int>& flag, std::chrono::milliseconds limit) {
@@ -36,6 +36,7 @@ bool wait_for(const std::atomic<int>& flag, std::chrono::milliseconds limit) {
 // left behind.
 struct LockProbe {
     std::unique_ptr<ovICriticalSection> lock;
+    std::atomic<int> started{0};
     std::atomic<int> entered{0};
     std::atomic<int> done{0};
 };
@@ -107,12 +108,15 @@ void ovSynchOpsTester::check_other_thread() {
         return;
     probe->lock->enter();
     std::thread helper([probe] {
+        probe->started = 1;
         probe->lock->enter();
         probe->entered = 1;
         probe->lock->leave();
         probe->done = 1;
     });
     if (m_locks) {
+        // Counted from the helper's start, so a slow scheduler cannot hide an open lock.
+        wait_for(probe->started, kFinishLimit);
         const bool other_thread_got_in = wait_for(probe->entered, kKeptOutFor);
         UT_CHECK(!other_thread_got_in);
         probe->lock->leave();

@@ -3,9 +3,11 @@
 // finalisation list, which the loader runs after the static destructors of the
 // executable and of every shared library. Run under ASan, any use of a freed
 // constant shows; a wrong answer exits with 1.
+#include "ovra/ovFrustrumChooser.h"
 #include "ovra/ovPathName.h"
 #include "ovra/ovStringEncoding.h"
 #include "ovra/ovStringParse.h"
+#include "ovra/ovSystemOperations.h"
 
 #include <cstdio>
 #include <cstring>
@@ -38,6 +40,11 @@ int use_the_library(const char* when) {
     const utString narrow =
         ovStringEncodingChooser().ut_encoding()->out(OVSTRING("caf\xC3\xA9"), status);
     expect(status == 0 && std::strcmp(narrow.c_str(), "caf\xC3\xA9") == 0, "UTF-8 encoding");
+    // So are the chooser's default operations.
+    ovCriticalSection section(nullptr);
+    { ovCriticalSectionLocker locker(&section); }
+    expect(!ovFrustrumChooser(nullptr).system_info_operations()->computer_name().empty(),
+           "computer name");
     return failures;
 }
 

@@ -6,27 +6,27 @@
 using namespace ovra_internal;
 
 const ovISysInfoOperations& ovra_internal::platform_system_info_operations() {
-    static const RecordedDefault<ovPosixSysInfoOperations> the_default(CHOSEN_SYSTEM_INFO);
-    return the_default.object;
+    static RecordedDefault<ovPosixSysInfoOperations> the_default(CHOSEN_SYSTEM_INFO);
+    return the_default.object();
 }
 
 const ovIProcessThreadOperations& ovra_internal::platform_process_thread_operations() {
-    static const RecordedDefault<ovPosixProcessThreadOperations> the_default(CHOSEN_PROCESS_THREAD);
-    return the_default.object;
+    static RecordedDefault<ovPosixProcessThreadOperations> the_default(CHOSEN_PROCESS_THREAD);
+    return the_default.object();
 }
 
 const ovILibraryLoaderOperations& ovra_internal::platform_library_loader_operations() {
-    static const RecordedDefault<ovPosixLibraryLoaderOperations> the_default(CHOSEN_LIBRARY_LOADER);
-    return the_default.object;
+    static RecordedDefault<ovPosixLibraryLoaderOperations> the_default(CHOSEN_LIBRARY_LOADER);
+    return the_default.object();
 }
 
 ovIProcessEnvironmentOperations& ovra_internal::platform_process_environment_operations() {
     static RecordedDefault<ovPosixProcessEnvironmentOperations> the_default(
         CHOSEN_PROCESS_ENVIRONMENT);
-    return the_default.object;
+    return the_default.object();
 }
 
 const ovISynchOperations& ovra_internal::platform_synch_operations() {
-    static const RecordedDefault<ovPosixSynchOperations> the_default(CHOSEN_SYNCH);
-    return the_default.object;
+    static RecordedDefault<ovPosixSynchOperations> the_default(CHOSEN_SYNCH);
+    return the_default.object();
 }
