@@ -115,7 +115,8 @@ TEST(DynamicLibrary, BadInputFailsWithoutLoading) {
         ovPathName path;
     } paths[] = {{"empty", ovPathName()},
                  {"invalid", ovPathName(ovString())},
-                 {"missing", ovPathName(ovString::literal("no/such/module.bin"))}};
+                 {"missing", ovPathName(ovString::literal("no/such/module.bin"))},
+                 {"very long", ovPathName(ovString::literal(std::string(40000, 'm').c_str()))}};
     for (const auto& c : paths) {
         SCOPED_TRACE(c.what);
         handle = &dummy;

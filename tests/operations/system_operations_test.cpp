@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <string>
 
 namespace {
 
@@ -55,6 +56,15 @@ TEST(ProcessEnvironment, EmptyValueReadsAsEmptyValidString) {
     const ovString got = env.get(name);
     EXPECT_FALSE(got.invalid());
     EXPECT_TRUE(got.empty());
+}
+
+TEST(ProcessEnvironment, LongValueRoundTrips) {
+    ovIProcessEnvironmentOperations& env = environment();
+    const ovString name = ovString::literal("OVRA_TEST_LONG");
+    const ovString value = ovString::literal(std::string(20000, 'v').c_str());
+    ASSERT_TRUE(env.put(name, value));
+    EXPECT_EQ(env.get(name), value);
+    env.put(name, ovString(ovSTRING_EMPTY));
 }
 
 TEST(NoSynchOperations, SleepReturnsAtOnceAndLocksNeverBlock) {
