@@ -37,6 +37,9 @@ enum ovStringSafeASCII { ovSTRING_SAFE_ASCII }; // ASCII 0x01..0x7A only
 enum ovStringEmpty { ovSTRING_EMPTY };          // a valid empty string
 
 class ovString;
+namespace ovra_internal {
+class TextBuilder;
+}
 
 // The shared code points of ovString. Text the library builds lives in one
 // allocation with its atomic use count in front; an array a caller hands over
@@ -258,7 +261,9 @@ protected:
     static void copy(unsigned int* dst, const unsigned int* src, size_t n) noexcept;
 
 private:
+    friend class ovra_internal::TextBuilder; // the library's own builders
     void free_caches() noexcept;
+    // Code points [from, to), both clamped to the text; valid even when empty.
     ovString slice(size_t from, size_t to) const;
 
     ovStringText m_buffer;

@@ -273,7 +273,25 @@ protected:
 
 private:
     friend class ovStringFormatter;
-    friend struct ovStringFormatAccess;
+
+    // Every rendering, whole format or single field, appends to one of these
+    // (defined with the renderers) and makes its result from it.
+    class Out;
+
+    // Parses the specifier whose "%" is at t[i] of a format of len code
+    // points; returns the index just past its conversion letter, or len when
+    // the format ends inside it (the conversion is then 0).
+    size_t parse(const unsigned int* t, size_t len, size_t i) noexcept;
+    // setup's reading, over the n code points of a specifier's text.
+    void read(const unsigned int* text, size_t n) noexcept;
+    // format's rendering: takes the argument the conversion asks for.
+    void render(Out& out, ovStringFormatArgs& args) const;
+    void render_arg(Out& out, const ovStringFormatArg& a) const;
+    void string_field(Out& out, const unsigned int* text, size_t len) const;
+    void chars_field(Out& out, const char* digits, size_t nd, bool negative) const;
+    void decimal_field(Out& out, uint64_t magnitude, bool negative) const;
+    void hex_field(Out& out, uint64_t v, bool upper) const;
+    void double_field(Out& out, double v) const;
 
     char m_conversion;
     int m_width;

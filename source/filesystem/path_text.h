@@ -20,10 +20,10 @@ inline size_t last_index_of(const ovString& text, unsigned int c) noexcept {
     return kNoIndex;
 }
 
-// Code points [from, to) of the text as a new string (both within it).
+// Code points [from, to) of the text; the null string stays null, as every
+// text derived from a null path or name does.
 inline ovString slice(const ovString& text, size_t from, size_t to) {
-    int status;
-    return ovString(ovSTRING_UTF32, text.convert(ovSTRING_UTF32) + from, to - from, status);
+    return text.invalid() ? ovString() : TextBuilder::slice(text, from, to);
 }
 
 // a, then `mid` unless it is 0, then b, built in one allocation. Null

@@ -66,24 +66,14 @@ private:
     iconv_t m_cd;
 };
 
-ovString refused_in(int& status) {
-    status = 1;
-    return ovString(ovSTRING_L, L"Failed to convert to ovString.");
-}
-
-utString refused_out(int& status) {
-    status = 1;
-    return utString(utSTRING_LIT, kFailedCpOut);
-}
-
 } // namespace
 
 ovString ovStringCPEncoding::in(const char* text, int& status) const {
     if (!text)
-        return refused_in(status);
+        return refused_cp_in(status);
     Iconv cd("WCHAR_T", iconv_name(m_code_page));
     if (!cd.ok())
-        return refused_in(status);
+        return refused_cp_in(status);
     const size_t n = std::strlen(text);
     // No code page gives more characters than it has bytes.
     std::vector<wchar_t> wide(n + 1, 0);
@@ -93,7 +83,7 @@ ovString ovStringCPEncoding::in(const char* text, int& status) const {
     size_t out_left = n * sizeof(wchar_t);
     if (iconv(cd.get(), &in, &in_left, &out, &out_left) == static_cast<size_t>(-1) ||
         iconv(cd.get(), nullptr, nullptr, &out, &out_left) == static_cast<size_t>(-1))
-        return refused_in(status);
+        return refused_cp_in(status);
     ovString s(ovSTRING_WCS, wide.data(), status);
     status = 0; // the code page already refused bad input
     return unfailed(s);
@@ -104,12 +94,12 @@ utString ovStringCPEncoding::out(const ovString& s, int& status) const {
     // Windows will not report default characters for the UTF pages and
     // refuses the call; kept so both platforms answer alike.
     if (!w || m_code_page == 65000 || m_code_page == 65001)
-        return refused_out(status);
+        return refused_cp_out(status);
     const std::string name = iconv_name(m_code_page);
     Iconv cd(name, "WCHAR_T");
     Iconv question(name, "ASCII");
     if (!cd.ok() || !question.ok())
-        return refused_out(status);
+        return refused_cp_out(status);
 
     // The page's own spelling of the default character "?".
     char qbuf[8];
@@ -119,7 +109,7 @@ utString ovStringCPEncoding::out(const ovString& s, int& status) const {
     char* qout = qbuf;
     size_t qout_left = sizeof qbuf;
     if (iconv(question.get(), &qin, &qin_left, &qout, &qout_left) == static_cast<size_t>(-1))
-        return refused_out(status);
+        return refused_cp_out(status);
     const std::string default_char(qbuf, static_cast<size_t>(qout - qbuf));
 
     char* in = const_cast<char*>(reinterpret_cast<const char*>(w));
@@ -151,7 +141,7 @@ utString ovStringCPEncoding::out(const ovString& s, int& status) const {
             in += sizeof(wchar_t);
             in_left -= sizeof(wchar_t);
         } else {
-            return refused_out(status);
+            return refused_cp_out(status);
         }
     }
     status = lacked;

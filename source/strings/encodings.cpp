@@ -87,11 +87,24 @@ const ovIStringEncoding* ut_or_default(const ovIStringEncoding* ut) {
     return ut ? ut : ovStringEncodingChooser().ut_encoding();
 }
 
-// Records one step's status: a later failure overwrites an earlier one.
-void step(int& status, int step_status) {
-    if (step_status)
-        status = step_status;
-}
+// The status of a conversion in steps: it starts at 0 and each step's nonzero
+// status overwrites it, so the last failure is the one reported. A step that
+// fails still hands on what it made (a failed string converts as its message).
+class Steps {
+public:
+    explicit Steps(int& status) : m_status(status) { m_status = 0; }
+    // Runs step(int& st) and returns its result.
+    template <class F> auto operator()(F&& step) {
+        int st = 0;
+        auto result = step(st);
+        if (st)
+            m_status = st;
+        return result;
+    }
+
+private:
+    int& m_status;
+};
 
 } // namespace
 
@@ -100,22 +113,16 @@ ovOsWcsStringConverter::ovOsWcsStringConverter(const ovIStringOsEncoding* os)
 
 ovBuffer<wchar_t> ovOsWcsStringConverter::convert_TSTR_to_wcs(const wchar_t* tstr,
                                                               int& status) const {
-    status = 0;
-    int st = 0;
-    const ovString s = m_os->in(tstr, st);
-    step(status, st);
+    Steps steps(status);
+    const ovString s = steps([&](int& st) { return m_os->in(tstr, st); });
     return ovBuffer<wchar_t>(s.convert(ovSTRING_WCS));
 }
 
 ovBuffer<wchar_t> ovOsWcsStringConverter::convert_wcs_to_TSTR(const wchar_t* wcs,
                                                               int& status) const {
-    status = 0;
-    int st = 0;
-    const ovString s(ovSTRING_WCS, wcs, st);
-    step(status, st);
-    ovBuffer<wchar_t> result = m_os->out(s, st);
-    step(status, st);
-    return result;
+    Steps steps(status);
+    const ovString s = steps([&](int& st) { return ovString(ovSTRING_WCS, wcs, st); });
+    return steps([&](int& st) { return m_os->out(s, st); });
 }
 
 ovOsUtStringConverter::ovOsUtStringConverter(const ovIStringEncoding* ut,
@@ -123,24 +130,16 @@ ovOsUtStringConverter::ovOsUtStringConverter(const ovIStringEncoding* ut,
     : m_ut(ut_or_default(ut)), m_os(os_or_default(os)) {}
 
 utString ovOsUtStringConverter::convert_TSTR_to_utString(const wchar_t* tstr, int& status) const {
-    status = 0;
-    int st = 0;
-    const ovString s = m_os->in(tstr, st);
-    step(status, st);
-    utString result = m_ut->out(s, st);
-    step(status, st);
-    return result;
+    Steps steps(status);
+    const ovString s = steps([&](int& st) { return m_os->in(tstr, st); });
+    return steps([&](int& st) { return m_ut->out(s, st); });
 }
 
 ovBuffer<wchar_t> ovOsUtStringConverter::convert_utString_to_TSTR(const utString& u,
                                                                   int& status) const {
-    status = 0;
-    int st = 0;
-    const ovString s = m_ut->in(u.c_str(), st);
-    step(status, st);
-    ovBuffer<wchar_t> result = m_os->out(s, st);
-    step(status, st);
-    return result;
+    Steps steps(status);
+    const ovString s = steps([&](int& st) { return m_ut->in(u.c_str(), st); });
+    return steps([&](int& st) { return m_os->out(s, st); });
 }
 
 ovOsUTF16StringConverter::ovOsUTF16StringConverter(const ovIStringOsEncoding* os)
@@ -148,22 +147,16 @@ ovOsUTF16StringConverter::ovOsUTF16StringConverter(const ovIStringOsEncoding* os
 
 ovBuffer<ovChar16> ovOsUTF16StringConverter::convert_TSTR_to_UTF16(const wchar_t* tstr,
                                                                    int& status) const {
-    status = 0;
-    int st = 0;
-    const ovString s = m_os->in(tstr, st);
-    step(status, st);
+    Steps steps(status);
+    const ovString s = steps([&](int& st) { return m_os->in(tstr, st); });
     return ovBuffer<ovChar16>(s.convert(ovSTRING_UTF16));
 }
 
 ovBuffer<wchar_t> ovOsUTF16StringConverter::convert_UTF16_to_TSTR(const ovChar16* utf16,
                                                                   int& status) const {
-    status = 0;
-    int st = 0;
-    const ovString s(ovSTRING_UTF16, utf16, st);
-    step(status, st);
-    ovBuffer<wchar_t> result = m_os->out(s, st);
-    step(status, st);
-    return result;
+    Steps steps(status);
+    const ovString s = steps([&](int& st) { return ovString(ovSTRING_UTF16, utf16, st); });
+    return steps([&](int& st) { return m_os->out(s, st); });
 }
 
 ovUTF16UtStringConverter::ovUTF16UtStringConverter(const ovIStringEncoding* ut)
@@ -171,21 +164,15 @@ ovUTF16UtStringConverter::ovUTF16UtStringConverter(const ovIStringEncoding* ut)
 
 utString ovUTF16UtStringConverter::convert_UTF16_to_utString(const ovChar16* utf16,
                                                              int& status) const {
-    status = 0;
-    int st = 0;
-    const ovString s(ovSTRING_UTF16, utf16, st);
-    step(status, st);
-    utString result = m_ut->out(s, st);
-    step(status, st);
-    return result;
+    Steps steps(status);
+    const ovString s = steps([&](int& st) { return ovString(ovSTRING_UTF16, utf16, st); });
+    return steps([&](int& st) { return m_ut->out(s, st); });
 }
 
 ovBuffer<ovChar16> ovUTF16UtStringConverter::convert_utString_to_UTF16(const utString& u,
                                                                        int& status) const {
-    status = 0;
-    int st = 0;
-    const ovString s = m_ut->in(u.c_str(), st);
-    step(status, st);
+    Steps steps(status);
+    const ovString s = steps([&](int& st) { return m_ut->in(u.c_str(), st); });
     return ovBuffer<ovChar16>(s.convert(ovSTRING_UTF16));
 }
 

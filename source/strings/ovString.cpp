@@ -290,21 +290,11 @@ void ovString::move(ovString& from) noexcept {
 }
 
 size_t ovString::length_utf16(const ovChar16* p) noexcept {
-    if (!p)
-        return 0;
-    size_t n = 0;
-    while (p[n])
-        ++n;
-    return n;
+    return ovra_internal::units_before_zero(p);
 }
 
 size_t ovString::length_utf32(const unsigned int* p) noexcept {
-    if (!p)
-        return 0;
-    size_t n = 0;
-    while (p[n])
-        ++n;
-    return n;
+    return ovra_internal::units_before_zero(p);
 }
 
 int ovString::is_safe_ascii(const char* p) noexcept {

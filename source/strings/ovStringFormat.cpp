@@ -1,16 +1,18 @@
 // ovStringFormatter, ovStringFormatSpecifier, ovStringBuilder.
 //
-// The rendering rules are followed step by step; the header lists the
-// choices made where they say nothing. For speed the
-// formatter does not materialise its pieces as ovStrings: literal pieces are
-// index ranges of the format, each specifier renders into one shared
-// code-point buffer (on the stack for short output), and the result is
-// allocated once at its exact size. The join is the builder's, so the text is
-// the same as the piece-by-piece build.
+// How a format becomes text: ovStringFormatter::format_with_list splits the
+// format into literal pieces and specifiers (ovStringFormatSpecifier::parse),
+// renders each specifier with its argument (render, then the field renderer
+// for its conversion) into one shared code-point buffer, and joins pieces and
+// fields into a string allocated once at its exact size: the same text as
+// appending every piece to an ovStringBuilder, without an ovString per piece.
+// The specifier's protected format_* members render one field on their own
+// with the same renderers.
 #include "ovra/ovStringFormat.h"
 
 #include "common/bits.h"
 #include "strings/text_builder.h"
+#include "strings/utf_codec.h"
 
 #include <climits>
 #include <cmath>
@@ -50,10 +52,6 @@ inline bool ends_specifier(unsigned int c) noexcept {
     default:
         return false;
     }
-}
-
-inline bool is_digit(unsigned int c) noexcept {
-    return c >= '0' && c <= '9';
 }
 
 inline void copy_codes(unsigned int* dst, const unsigned int* src, size_t n) noexcept;
@@ -245,9 +243,9 @@ const double kPow10[] = {
 };
 // clang-format on
 
-// x * 10^e. Inside the table this is the one multiplication the
-// rules call for; outside it (denormals, huge precisions) the power is applied
-// in steps so the result stays finite when it can.
+// x * 10^e. Inside the table this is a single multiplication by the power, as
+// the digits are defined; outside it (denormals, huge precisions) the power is
+// applied in steps so the result stays finite when it can.
 double scale(double x, int e) noexcept {
     while (e > 308) {
         x *= 1e308;
@@ -285,12 +283,11 @@ int floor_log10(double a) noexcept {
 
 // The digits of a scaled value, right to left: digit i is
 // floor(fmod(s_i, 10)) with s_0 = scaled and s_(i+1) = s_i / 10 in double
-// arithmetic, as the rules say. While s_i < 2^53, floor(s_i / 10) rounded is
-// exactly floor(s_i) / 10 in integers (s_i / 10 is never within half a unit
-// of the next integer), so from there on the digits are those of the integer
-// floor(s_i): the same digits without the chain of divisions. Above 2^53 the
-// double steps run as written; a value that cannot give a digit (infinite or
-// NaN after an overflow) gives "0".
+// arithmetic: that is what a digit of this formatter is. While s_i < 2^53, floor(s_i / 10) rounded
+// is exactly floor(s_i) / 10 in integers (s_i / 10 is never within half a unit of the next
+// integer), so from there on the digits are those of the integer floor(s_i): the same digits
+// without the chain of divisions. Above 2^53 the double steps run as written; a value that cannot
+// give a digit (infinite or NaN after an overflow) gives "0".
 class DigitSource {
 public:
     explicit DigitSource(double scaled) noexcept : m_d(scaled), m_n(0), m_int(false) { settle(); }
@@ -347,344 +344,348 @@ private:
 
 using namespace ovra_format;
 
-// The specifier's private fields, for the rendering functions of this file.
-struct ovStringFormatAccess {
-    typedef ovStringFormatSpecifier Field;
+class ovStringFormatSpecifier::Out : public CodeBuffer {};
 
-    static void accumulate(int& n, unsigned int c) noexcept {
-        n = n * 10 + static_cast<int>(c - '0');
-        if (n > kMaxNumber)
-            n = kMaxNumber;
-    }
+namespace {
 
-    // `setup` over code points: the same reading as over UTF-8 bytes, since
-    // every character it looks for is ASCII. Past the end reads as 0.
-    static void setup(Field& s, const unsigned int* q, size_t n) noexcept {
-        const unsigned int* p = q + (n > 0 ? 1 : 0);
-        const unsigned int* const e = q + n;
-        int width = 0, zero_pad = 0, precision_given = 0, precision = 0;
-        int has_position = 0, position = 0;
-        int num = 0;
-        // 1.
-        while (p < e && is_digit(*p))
-            accumulate(num, *p++);
-        // 2.
-        if (num != 0) {
-            if (p >= e || *p != '$') {
-                width = num;
-                zero_pad = n > 1 && q[1] == '0' ? 1 : 0;
-            } else {
-                has_position = 1;
-                position = num;
-                ++p;
-            }
-        }
-        // 3.
-        if (has_position) {
-            if (p < e && *p == '0') {
-                zero_pad = 1;
-                ++p;
-            }
-            while (p < e && is_digit(*p))
-                accumulate(width, *p++);
-        }
-        // 4.
-        if (p < e && *p == '.') {
-            ++p;
-            while (p < e && is_digit(*p)) {
-                accumulate(precision, *p++);
-                precision_given = 1;
-            }
-        }
-        // 5. A non-ASCII character is kept as its first UTF-8 byte, as the
-        // byte-wise reading would see it; it is no conversion either way.
-        const unsigned int c = p < e ? *p : 0u;
-        s.m_conversion = static_cast<char>(c < 0x80      ? c
-                                           : c < 0x800   ? 0xC0 | (c >> 6)
-                                           : c < 0x10000 ? 0xE0 | (c >> 12)
-                                                         : 0xF0 | ((c >> 18) & 0x07));
-        s.m_width = width;
-        s.m_zero_pad = zero_pad;
-        s.m_precision_given = precision_given;
-        s.m_precision = precision;
-        s.m_has_position = has_position;
-        s.m_position = position;
-        s.m_invalid = false;
-    }
+void accumulate(int& n, unsigned int c) noexcept {
+    n = n * 10 + static_cast<int>(c - '0');
+    if (n > kMaxNumber)
+        n = kMaxNumber;
+}
 
-    // Whether the specifier at t[i] starts with "n$", n not 0 (has_position).
-    static bool numbered(const unsigned int* t, size_t len, size_t i) noexcept {
-        bool nonzero = false;
-        for (++i; i < len && is_digit(t[i]); ++i)
-            nonzero = nonzero || t[i] != '0';
-        return nonzero && i < len && t[i] == '$';
-    }
+void error(CodeBuffer& out) {
+    out.ascii(kErrorText, kErrorLength);
+}
 
-    // Parses the specifier whose "%" is at t[i]; returns the index just past
-    // its conversion letter, or len when the format ends inside it (then the
-    // conversion is 0: the error text, no argument).
-    static size_t parse(Field& s, const unsigned int* t, size_t len, size_t i) noexcept {
-        size_t j = i + 1;
-        bool finished = false;
-        while (j < len) {
-            if (ends_specifier(t[j++])) {
-                finished = true;
-                break;
-            }
-        }
-        setup(s, t + i, j - i);
-        if (!finished)
-            s.m_conversion = 0;
-        return j;
-    }
+// Whether the specifier at t[i] starts with "n$", n not 0 (has_position).
+bool numbered(const unsigned int* t, size_t len, size_t i) noexcept {
+    bool nonzero = false;
+    for (++i; i < len && ovra_internal::is_ascii_digit(t[i]); ++i)
+        nonzero = nonzero || t[i] != '0';
+    return nonzero && i < len && t[i] == '$';
+}
 
-    // Blanks or zeros in front of a body of `body` characters up to the
-    // width, with the sign: leftmost with zeros, next to the body with blanks,
-    // in front when there is no room (the sign is part of the width).
-    static void pad(CodeBuffer& out, int width, bool zeros, size_t body, bool negative) {
-        const size_t w = static_cast<size_t>(width);
-        if (body < w) {
-            const size_t n = w - body;
-            if (zeros) {
-                if (negative)
-                    out.push('-');
-                out.fill('0', negative ? n - 1 : n);
-            } else {
-                out.fill(' ', negative ? n - 1 : n);
-                if (negative)
-                    out.push('-');
-            }
-        } else if (negative) {
-            out.push('-');
-        }
-    }
-
-    static void error(CodeBuffer& out) { out.ascii(kErrorText, kErrorLength); }
-
-    static void string_field(const Field& s, CodeBuffer& out, const unsigned int* p, size_t len) {
-        if (s.m_precision_given && len > static_cast<size_t>(s.m_precision))
-            len = static_cast<size_t>(s.m_precision);
-        if (len < static_cast<size_t>(s.m_width))
-            out.fill(s.m_zero_pad ? '0' : ' ', static_cast<size_t>(s.m_width) - len);
-        out.codes(p, len);
-    }
-
-    // format_chars_with_sign: digits, zeros up to the precision, then the
-    // padding and sign.
-    static void chars_field(const Field& s, CodeBuffer& out, const char* digits, size_t nd,
-                            bool negative) {
-        if (nd == 0) {
-            digits = "0";
-            nd = 1;
-        }
-        size_t body = nd;
-        if (s.m_precision_given && body < static_cast<size_t>(s.m_precision))
-            body = static_cast<size_t>(s.m_precision);
-        pad(out, s.m_width, s.m_zero_pad != 0, body, negative);
-        out.fill('0', body - nd);
-        out.ascii(digits, nd);
-    }
-
-    static void decimal_field(const Field& s, CodeBuffer& out, uint64_t magnitude, bool negative) {
-        char buf[20];
-        char* w = buf + sizeof(buf);
-        for (; magnitude; magnitude /= 10)
-            *--w = static_cast<char>('0' + magnitude % 10);
-        chars_field(s, out, w, static_cast<size_t>(buf + sizeof(buf) - w), negative);
-    }
-
-    static void hex_field(const Field& s, CodeBuffer& out, uint64_t v, bool upper) {
-        const char* set = upper ? "0123456789ABCDEF" : "0123456789abcdef";
-        char buf[16];
-        char* w = buf + sizeof(buf);
-        for (; v; v >>= 4)
-            *--w = set[v & 0xF];
-        chars_field(s, out, w, static_cast<size_t>(buf + sizeof(buf) - w), false);
-    }
-
-    static void double_field(const Field& s, CodeBuffer& out, double v) {
-        const char conv = s.m_conversion;
-        const bool upper = conv == 'E' || conv == 'G';
-        if (!std::isfinite(v)) {
-            const char* body = std::isnan(v) ? (upper ? "NAN" : "nan") : (upper ? "INF" : "inf");
-            pad(out, s.m_width, false, 3, v < 0);
-            out.ascii(body, 3);
-            return;
-        }
-        // 1. Negative zero is not negative.
-        const bool negative = v < 0;
-        const double a = std::fabs(v);
-        // 2.
-        const bool g_style = conv == 'g' || conv == 'G';
-        const bool e_style = conv == 'e' || conv == 'E';
-        int p = s.m_precision_given ? s.m_precision : 6;
-        if (g_style && s.m_precision_given && p == 0)
-            p = 1;
-        // 3.
-        const int x = v == 0 ? 0 : floor_log10(a);
-        // 4., 5.
-        const bool exponent = e_style || (g_style && (x < -4 || x >= p));
-        // 6. Room for every digit, the point and the exponent; the padding
-        // goes straight to the output.
-        WorkBuffer wb(static_cast<size_t>(p) + static_cast<size_t>(x > 0 ? x : 0) + 16);
-        // 7. Two exponent digits only.
-        if (exponent) {
-            const unsigned int ax = static_cast<unsigned int>(x < 0 ? -x : x);
-            wb.put(static_cast<char>('0' + ax % 10));
-            wb.put(static_cast<char>('0' + (ax / 10) % 10));
-            wb.put(x >= 0 ? '+' : '-');
-            wb.put(upper ? 'E' : 'e');
-        }
-        if (!g_style && !e_style) {
-            // 8. "f". When |v| x 10^p overflows, the digits after the point
-            // are 0 and the others come from |v| itself.
-            double scaled = scale(a, p) + 0.5;
-            const bool overflow = !std::isfinite(scaled);
-            if (overflow)
-                scaled = a + 0.5;
-            DigitSource digits(scaled);
-            const int count = x >= 0 ? x + p + 1 : p + 1;
-            for (int i = 0; i < count; ++i) {
-                if (i == p && p >= 1)
-                    wb.put('.');
-                if (overflow && i < p) {
-                    wb.put('0');
-                    continue;
-                }
-                wb.put(digits.next());
-            }
-        } else if (e_style) {
-            // 9.
-            DigitSource digits(scale(a, p - x) + 0.5);
-            for (int i = 0; i <= p; ++i) {
-                if (i == p && p >= 1)
-                    wb.put('.');
-                wb.put(digits.next());
-            }
-        } else if (v == 0) {
-            // 10.
-            wb.put('0');
-        } else if (exponent) {
-            // 11. Trailing zeros dropped; a leading digit that rounding
-            // turned into 0 is dropped with them (step 14).
-            DigitSource digits(scale(a, p - x - 1) + 0.5);
-            bool written = false;
-            for (int i = 0; i < p; ++i) {
-                const char d = digits.next();
-                if (i == p - 1 && p >= 2 && written)
-                    wb.put('.');
-                if (d != '0' || written) {
-                    wb.put(d);
-                    written = true;
-                }
-            }
+// Blanks or zeros in front of a body of `body` characters up to the width,
+// with the sign: leftmost with zeros, next to the body with blanks, in front
+// when there is no room. The sign is part of the width.
+void pad(CodeBuffer& out, int width, bool zeros, size_t body, bool negative) {
+    const size_t w = static_cast<size_t>(width);
+    if (body < w) {
+        const size_t n = w - body;
+        if (zeros) {
+            if (negative)
+                out.push('-');
+            out.fill('0', negative ? n - 1 : n);
         } else {
-            // 12. Digits from the units leftwards always; to their right
-            // without trailing zeros.
-            DigitSource digits(scale(a, p - x - 1) + 0.5);
-            const int count = x < 0 ? p - x : p;
-            const int units = p - x - 1;
-            bool written = false;
-            for (int i = 0; i < count; ++i) {
-                const char d = digits.next();
-                if (i == units && written)
-                    wb.put('.');
-                if (i >= units || d != '0' || written) {
-                    wb.put(d);
-                    written = true;
-                }
-            }
+            out.fill(' ', negative ? n - 1 : n);
+            if (negative)
+                out.push('-');
         }
-        // 13.
-        pad(out, s.m_width, s.m_zero_pad != 0, wb.length(), negative);
-        out.ascii(wb.text(), wb.length());
+    } else if (negative) {
+        out.push('-');
     }
+}
 
-    static bool is_integer(const ovStringFormatArg& a) noexcept {
-        return a.kind() != ovFORMAT_ARG_DOUBLE && a.kind() != ovFORMAT_ARG_STRING;
-    }
-    static bool is_wide(const ovStringFormatArg& a) noexcept {
-        return a.kind() == ovFORMAT_ARG_INT64 || a.kind() == ovFORMAT_ARG_UINT64;
-    }
+bool is_integer(const ovStringFormatArg& a) noexcept {
+    return a.kind() != ovFORMAT_ARG_DOUBLE && a.kind() != ovFORMAT_ARG_STRING;
+}
 
-    // One argument, already taken, rendered by the specifier's conversion.
-    static void render_arg(const Field& s, CodeBuffer& out, const ovStringFormatArg& a) {
-        switch (s.m_conversion) {
-        case 's':
-            if (a.kind() != ovFORMAT_ARG_STRING) {
-                error(out);
-            } else if (const ovString* str = a.string()) {
-                string_field(s, out, str->convert(ovSTRING_UTF32), str->length());
-            } else {
-                string_field(s, out, nullptr, 0);
-            }
-            return;
-        case 'd':
-            if (!is_integer(a)) {
-                error(out);
-            } else {
-                // The argument's own width, read as signed.
-                const int64_t v = is_wide(a) ? static_cast<int64_t>(a.bits())
-                                             : static_cast<int64_t>(static_cast<int32_t>(
-                                                   static_cast<uint32_t>(a.bits())));
-                const uint64_t magnitude =
-                    v < 0 ? 0u - static_cast<uint64_t>(v) : static_cast<uint64_t>(v);
-                decimal_field(s, out, magnitude, v < 0);
-            }
-            return;
-        case 'u':
-        case 'x':
-        case 'X':
-            if (!is_integer(a)) {
-                error(out);
-            } else {
-                const uint64_t v = is_wide(a) ? a.bits() : static_cast<uint32_t>(a.bits());
-                if (s.m_conversion == 'u')
-                    decimal_field(s, out, v, false);
-                else
-                    hex_field(s, out, v, s.m_conversion == 'X');
-            }
-            return;
-        case 'f':
-        case 'e':
-        case 'E':
-        case 'g':
-        case 'G':
-            if (a.kind() == ovFORMAT_ARG_STRING)
-                error(out);
-            else
-                double_field(s, out, a.as_double());
-            return;
-        default:
+bool is_wide(const ovStringFormatArg& a) noexcept {
+    return a.kind() == ovFORMAT_ARG_INT64 || a.kind() == ovFORMAT_ARG_UINT64;
+}
+
+} // namespace
+
+// ---- ovStringFormatSpecifier: parsing ------------------------------------
+
+inline size_t ovStringFormatSpecifier::parse(const unsigned int* t, size_t len, size_t i) noexcept {
+    size_t j = i + 1;
+    bool finished = false;
+    while (j < len) {
+        if (ends_specifier(t[j++])) {
+            finished = true;
+            break;
+        }
+    }
+    read(t + i, j - i);
+    if (!finished)
+        m_conversion = 0;
+    return j;
+}
+
+// Reads code points where the text was once read as UTF-8 bytes: the same
+// result, since every character looked for is ASCII. Past the end reads as 0.
+void ovStringFormatSpecifier::read(const unsigned int* q, size_t n) noexcept {
+    const unsigned int* p = q + (n > 0 ? 1 : 0);
+    const unsigned int* const e = q + n;
+    int width = 0, zero_pad = 0, precision_given = 0, precision = 0;
+    int has_position = 0, position = 0;
+    // A leading number is a width, or an argument number when "$" follows.
+    int num = 0;
+    while (p < e && ovra_internal::is_ascii_digit(*p))
+        accumulate(num, *p++);
+    if (num != 0) {
+        if (p >= e || *p != '$') {
+            width = num;
+            zero_pad = n > 1 && q[1] == '0' ? 1 : 0;
+        } else {
+            has_position = 1;
+            position = num;
+            ++p;
+        }
+    }
+    // After an argument number, the "0" flag and the width come separately.
+    if (has_position) {
+        if (p < e && *p == '0') {
+            zero_pad = 1;
+            ++p;
+        }
+        while (p < e && ovra_internal::is_ascii_digit(*p))
+            accumulate(width, *p++);
+    }
+    // A precision counts as given only when a digit follows the ".".
+    if (p < e && *p == '.') {
+        ++p;
+        while (p < e && ovra_internal::is_ascii_digit(*p)) {
+            accumulate(precision, *p++);
+            precision_given = 1;
+        }
+    }
+    // What is left is the conversion. A non-ASCII character is kept as its
+    // first UTF-8 byte, as the byte-wise reading saw it; it is no conversion.
+    const unsigned int c = p < e ? *p : 0u;
+    if (c < 0x80) {
+        m_conversion = static_cast<char>(c);
+    } else {
+        char bytes[4];
+        ovra_internal::Utf8::put(c, ovra_internal::Utf8::size(c) - 1, bytes);
+        m_conversion = bytes[0];
+    }
+    m_width = width;
+    m_zero_pad = zero_pad;
+    m_precision_given = precision_given;
+    m_precision = precision;
+    m_has_position = has_position;
+    m_position = position;
+    m_invalid = false;
+}
+
+// ---- ovStringFormatSpecifier: rendering ----------------------------------
+
+// Takes the next argument when the conversion takes one, and renders it.
+inline void ovStringFormatSpecifier::render(Out& out, ovStringFormatArgs& args) const {
+    if (m_invalid) {
+        error(out);
+        return;
+    }
+    if (m_conversion == '%') {
+        out.push('%');
+        return;
+    }
+    if (!ends_specifier(static_cast<unsigned char>(m_conversion))) {
+        error(out); // unknown conversion: no argument taken
+        return;
+    }
+    ovStringFormatArg a;
+    if (args.next(m_conversion, a))
+        render_arg(out, a);
+    else
+        error(out); // no argument left
+}
+
+// An argument of the wrong kind is taken and shows the error text, so the
+// specifiers after it still read their own arguments.
+void ovStringFormatSpecifier::render_arg(Out& out, const ovStringFormatArg& a) const {
+    switch (m_conversion) {
+    case 's':
+        if (a.kind() != ovFORMAT_ARG_STRING)
             error(out);
-            return;
-        }
-    }
-
-    // ovStringFormatSpecifier::format: takes the next argument when the
-    // conversion takes one.
-    static void render(const Field& s, CodeBuffer& out, ovStringFormatArgs& args) {
-        if (s.m_invalid) {
-            error(out);
-            return;
-        }
-        if (s.m_conversion == '%') {
-            out.push('%');
-            return;
-        }
-        if (!ends_specifier(static_cast<unsigned char>(s.m_conversion))) {
-            error(out); // unknown conversion: no argument taken
-            return;
-        }
-        ovStringFormatArg a;
-        if (args.next(s.m_conversion, a))
-            render_arg(s, out, a);
+        else if (const ovString* str = a.string())
+            string_field(out, str->convert(ovSTRING_UTF32), str->length());
         else
-            error(out); // no argument left
+            string_field(out, nullptr, 0);
+        return;
+    case 'd':
+        if (!is_integer(a)) {
+            error(out);
+        } else {
+            // The argument's own width, read as signed.
+            const int64_t v =
+                is_wide(a)
+                    ? static_cast<int64_t>(a.bits())
+                    : static_cast<int64_t>(static_cast<int32_t>(static_cast<uint32_t>(a.bits())));
+            decimal_field(out, v < 0 ? 0u - static_cast<uint64_t>(v) : static_cast<uint64_t>(v),
+                          v < 0);
+        }
+        return;
+    case 'u':
+    case 'x':
+    case 'X':
+        if (!is_integer(a)) {
+            error(out);
+        } else {
+            const uint64_t v = is_wide(a) ? a.bits() : static_cast<uint32_t>(a.bits());
+            if (m_conversion == 'u')
+                decimal_field(out, v, false);
+            else
+                hex_field(out, v, m_conversion == 'X');
+        }
+        return;
+    case 'f':
+    case 'e':
+    case 'E':
+    case 'g':
+    case 'G':
+        if (a.kind() == ovFORMAT_ARG_STRING)
+            error(out);
+        else
+            double_field(out, a.as_double());
+        return;
+    default:
+        error(out);
+        return;
     }
-};
+}
 
-typedef ovStringFormatAccess Access;
+// Cut to the precision, then right-aligned in the width.
+void ovStringFormatSpecifier::string_field(Out& out, const unsigned int* p, size_t len) const {
+    if (m_precision_given && len > static_cast<size_t>(m_precision))
+        len = static_cast<size_t>(m_precision);
+    if (len < static_cast<size_t>(m_width))
+        out.fill(m_zero_pad ? '0' : ' ', static_cast<size_t>(m_width) - len);
+    out.codes(p, len);
+}
+
+// Digits ("0" when there are none), zeros up to the precision, then the
+// padding and sign.
+void ovStringFormatSpecifier::chars_field(Out& out, const char* digits, size_t nd,
+                                          bool negative) const {
+    if (nd == 0) {
+        digits = "0";
+        nd = 1;
+    }
+    size_t body = nd;
+    if (m_precision_given && body < static_cast<size_t>(m_precision))
+        body = static_cast<size_t>(m_precision);
+    pad(out, m_width, m_zero_pad != 0, body, negative);
+    out.fill('0', body - nd);
+    out.ascii(digits, nd);
+}
+
+void ovStringFormatSpecifier::decimal_field(Out& out, uint64_t magnitude, bool negative) const {
+    char buf[20];
+    char* w = buf + sizeof(buf);
+    for (; magnitude; magnitude /= 10)
+        *--w = static_cast<char>('0' + magnitude % 10);
+    chars_field(out, w, static_cast<size_t>(buf + sizeof(buf) - w), negative);
+}
+
+// No "0x" prefix, ever.
+void ovStringFormatSpecifier::hex_field(Out& out, uint64_t v, bool upper) const {
+    const char* set = upper ? "0123456789ABCDEF" : "0123456789abcdef";
+    char buf[16];
+    char* w = buf + sizeof(buf);
+    for (; v; v >>= 4)
+        *--w = set[v & 0xF];
+    chars_field(out, w, static_cast<size_t>(buf + sizeof(buf) - w), false);
+}
+
+// Digits come right to left from |v| scaled to an integer, as many as the
+// decimal exponent x of |v| says. x is taken before rounding and never
+// corrected: when rounding carries into a new leading digit (9.6 with "%.0f"),
+// that digit is dropped. This is the formatter's kept behaviour.
+void ovStringFormatSpecifier::double_field(Out& out, double v) const {
+    const char conv = m_conversion;
+    const bool upper = conv == 'E' || conv == 'G';
+    if (!std::isfinite(v)) {
+        const char* body = std::isnan(v) ? (upper ? "NAN" : "nan") : (upper ? "INF" : "inf");
+        pad(out, m_width, false, 3, v < 0);
+        out.ascii(body, 3);
+        return;
+    }
+    const bool negative = v < 0; // so -0.0 has no sign
+    const double a = std::fabs(v);
+    const bool g_style = conv == 'g' || conv == 'G';
+    const bool e_style = conv == 'e' || conv == 'E';
+    int p = m_precision_given ? m_precision : 6;
+    if (g_style && m_precision_given && p == 0)
+        p = 1;
+    const int x = v == 0 ? 0 : floor_log10(a);
+    const bool exponent = e_style || (g_style && (x < -4 || x >= p));
+    // Room for every digit, the point and the exponent; the padding goes
+    // straight to the output.
+    WorkBuffer wb(static_cast<size_t>(p) + static_cast<size_t>(x > 0 ? x : 0) + 16);
+    if (exponent) { // always two exponent digits: 123 shows as 23
+        const unsigned int ax = static_cast<unsigned int>(x < 0 ? -x : x);
+        wb.put(static_cast<char>('0' + ax % 10));
+        wb.put(static_cast<char>('0' + (ax / 10) % 10));
+        wb.put(x >= 0 ? '+' : '-');
+        wb.put(upper ? 'E' : 'e');
+    }
+    if (!g_style && !e_style) {
+        // Fixed: every digit down to the precision. When |v| x 10^p
+        // overflows, the digits after the point are 0 and the others come
+        // from |v| itself.
+        double scaled = scale(a, p) + 0.5;
+        const bool overflow = !std::isfinite(scaled);
+        if (overflow)
+            scaled = a + 0.5;
+        DigitSource digits(scaled);
+        const int count = x >= 0 ? x + p + 1 : p + 1;
+        for (int i = 0; i < count; ++i) {
+            if (i == p && p >= 1)
+                wb.put('.');
+            if (overflow && i < p) {
+                wb.put('0');
+                continue;
+            }
+            wb.put(digits.next());
+        }
+    } else if (e_style) {
+        // One digit before the point, p after.
+        DigitSource digits(scale(a, p - x) + 0.5);
+        for (int i = 0; i <= p; ++i) {
+            if (i == p && p >= 1)
+                wb.put('.');
+            wb.put(digits.next());
+        }
+    } else if (v == 0) {
+        wb.put('0');
+    } else if (exponent) {
+        // p significant digits without trailing zeros; a leading digit that
+        // rounding turned into 0 goes with them.
+        DigitSource digits(scale(a, p - x - 1) + 0.5);
+        bool written = false;
+        for (int i = 0; i < p; ++i) {
+            const char d = digits.next();
+            if (i == p - 1 && p >= 2 && written)
+                wb.put('.');
+            if (d != '0' || written) {
+                wb.put(d);
+                written = true;
+            }
+        }
+    } else {
+        // p significant digits: from the units leftwards always, to their
+        // right without trailing zeros.
+        DigitSource digits(scale(a, p - x - 1) + 0.5);
+        const int count = x < 0 ? p - x : p;
+        const int units = p - x - 1;
+        bool written = false;
+        for (int i = 0; i < count; ++i) {
+            const char d = digits.next();
+            if (i == units && written)
+                wb.put('.');
+            if (i >= units || d != '0' || written) {
+                wb.put(d);
+                written = true;
+            }
+        }
+    }
+    pad(out, m_width, m_zero_pad != 0, wb.length(), negative);
+    out.ascii(wb.text(), wb.length());
+}
 
 // ---- ovStringFormatArgs ----------------------------------------------------
 
@@ -745,7 +746,7 @@ ovStringFormatSpecifier::ovStringFormatSpecifier(const ovString& fmt, ovStringPo
     const size_t i = pos.index();
     if (i >= len)
         return;
-    size_t step = Access::parse(*this, fmt.convert(ovSTRING_UTF32), len, i) - i;
+    size_t step = parse(fmt.convert(ovSTRING_UTF32), len, i) - i;
     while (step > 0) {
         const int s = step > static_cast<size_t>(INT_MAX) ? INT_MAX : static_cast<int>(step);
         pos += s;
@@ -754,57 +755,59 @@ ovStringFormatSpecifier::ovStringFormatSpecifier(const ovString& fmt, ovStringPo
 }
 
 void ovStringFormatSpecifier::setup(const ovString& text) {
-    Access::setup(*this, text.convert(ovSTRING_UTF32), text.length());
+    read(text.convert(ovSTRING_UTF32), text.length());
 }
 
+// The members below each render one field on their own, with the renderers
+// the whole format uses.
+
 ovString ovStringFormatSpecifier::format(ovStringFormatArgs& args) const {
-    CodeBuffer out;
-    Access::render(*this, out, args);
+    Out out;
+    render(out, args);
     return make_string(out.data(), out.size());
 }
 
 ovString ovStringFormatSpecifier::format_string(const ovString& s) const {
-    CodeBuffer out;
-    Access::string_field(*this, out, s.convert(ovSTRING_UTF32), s.length());
+    Out out;
+    string_field(out, s.convert(ovSTRING_UTF32), s.length());
     return make_string(out.data(), out.size());
 }
 
 ovString ovStringFormatSpecifier::format_int(int v) const {
     const uint64_t magnitude =
         v < 0 ? 0u - static_cast<uint64_t>(static_cast<int64_t>(v)) : static_cast<uint64_t>(v);
-    CodeBuffer out;
-    Access::decimal_field(*this, out, magnitude, v < 0);
+    Out out;
+    decimal_field(out, magnitude, v < 0);
     return make_string(out.data(), out.size());
 }
 
 ovString ovStringFormatSpecifier::format_unsigned_int(unsigned int v) const {
-    CodeBuffer out;
-    Access::decimal_field(*this, out, v, false);
+    Out out;
+    decimal_field(out, v, false);
     return make_string(out.data(), out.size());
 }
 
 ovString ovStringFormatSpecifier::format_hex(unsigned int v, int upper) const {
-    CodeBuffer out;
-    Access::hex_field(*this, out, v, upper != 0);
+    Out out;
+    hex_field(out, v, upper != 0);
     return make_string(out.data(), out.size());
 }
 
 ovString ovStringFormatSpecifier::format_double(double v) const {
-    CodeBuffer out;
-    Access::double_field(*this, out, v);
+    Out out;
+    double_field(out, v);
     return make_string(out.data(), out.size());
 }
 
 ovString ovStringFormatSpecifier::format_int_with_sign(unsigned int magnitude, int negative) const {
-    CodeBuffer out;
-    Access::decimal_field(*this, out, magnitude, negative != 0);
+    Out out;
+    decimal_field(out, magnitude, negative != 0);
     return make_string(out.data(), out.size());
 }
 
 ovString ovStringFormatSpecifier::format_chars_with_sign(const char* digits, int negative) const {
-    CodeBuffer out;
-    Access::chars_field(*this, out, digits ? digits : "", digits ? std::strlen(digits) : 0,
-                        negative != 0);
+    Out out;
+    chars_field(out, digits ? digits : "", digits ? std::strlen(digits) : 0, negative != 0);
     return make_string(out.data(), out.size());
 }
 
@@ -861,7 +864,6 @@ int ovStringFormatter::calculate_num_specifiers(const ovString& fmt) const {
 ovString ovStringFormatter::format_with_list(const ovString& fmt, ovStringFormatArgs& args) const {
     const unsigned int* t = fmt.convert(ovSTRING_UTF32);
     const size_t len = fmt.length();
-    // 1.
     const size_t n = count_specifiers(t, len);
     if (n == 0) // the text itself, shared; never failed
         return fmt.invalid() ? ovString(ovSTRING_EMPTY) : ovString(fmt);
@@ -870,11 +872,11 @@ ovString ovStringFormatter::format_with_list(const ovString& fmt, ovStringFormat
     SmallArray<ovStringFormatSpecifier, 16> fields(n, ovStringFormatSpecifier());
     SmallArray<int, 16> order(n); // positional mode only
     SmallArray<Slot, 16> results(n, Slot{0, 0, false});
-    CodeBuffer out;
+    ovStringFormatSpecifier::Out out; // every rendered field, one after another
 
-    // 2. Pieces and specifiers. The parse never finds more specifiers than
-    // were counted (each extra "%" it swallows was counted); the k < n test
-    // only makes that plain.
+    // Split the format into literal pieces and specifiers. The parse never finds more specifiers
+    // than were counted (each extra "%" it swallows was counted); the k < n test only makes that
+    // plain.
     bool positional = false;
     size_t k = 0;
     size_t s = 0;
@@ -887,14 +889,14 @@ ovString ovStringFormatter::format_with_list(const ovString& fmt, ovStringFormat
         }
         if (k < n) {
             pieces[k] = Range{s, i};
-            if (!positional && !Access::numbered(t, len, i)) {
+            if (!positional && !numbered(t, len, i)) {
                 // The usual case, parsed straight into its slot.
-                i = s = Access::parse(fields[k], t, len, i);
+                i = s = fields[k].parse(t, len, i);
                 ++k;
                 continue;
             }
             ovStringFormatSpecifier field;
-            const size_t next = Access::parse(field, t, len, i);
+            const size_t next = field.parse(t, len, i);
             if (field.m_has_position && k == 0) {
                 positional = true;
                 order.fill(n, -1);
@@ -911,7 +913,7 @@ ovString ovStringFormatter::format_with_list(const ovString& fmt, ovStringFormat
                 } else {
                     // A number with no slot: the error text in place.
                     const size_t at = out.size();
-                    Access::error(out);
+                    error(out);
                     results[k] = Slot{at, out.size() - at, true};
                 }
             } else if (positional) {
@@ -920,7 +922,7 @@ ovString ovStringFormatter::format_with_list(const ovString& fmt, ovStringFormat
                 if (field.m_conversion == '%')
                     out.push('%');
                 else
-                    Access::error(out);
+                    error(out);
                 results[k] = Slot{at, out.size() - at, true};
             } else {
                 fields[k] = field;
@@ -932,7 +934,8 @@ ovString ovStringFormatter::format_with_list(const ovString& fmt, ovStringFormat
         }
     }
 
-    // 3. Render in index order, so arguments are taken in number order.
+    // Render in index order, so arguments are taken in number order whatever
+    // order the specifiers have in the text.
     for (size_t i = 0; i < n; ++i) {
         size_t slot = i;
         if (positional) {
@@ -941,11 +944,11 @@ ovString ovStringFormatter::format_with_list(const ovString& fmt, ovStringFormat
             slot = static_cast<size_t>(order[i]);
         }
         const size_t at = out.size();
-        Access::render(fields[i], out, args);
+        fields[i].render(out, args);
         results[slot] = Slot{at, out.size() - at, true};
     }
 
-    // 4. Join: piece 0, then result i and piece i + 1. A slot that nothing
+    // Join once, at the exact size: piece 0, then result i and piece i + 1. A slot that nothing
     // rendered into (a repeated number) shows the error text.
     size_t total = 0;
     for (size_t i = 0; i <= n; ++i)

@@ -1,6 +1,8 @@
 // Results, the locale-free parsers and ovStringParser.
 #include "ovra/ovStringParse.h"
 
+#include "strings/utf_codec.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <climits>
@@ -35,10 +37,6 @@ ovStringPos advance(ovStringPos p, size_t n) {
     return p + static_cast<int>(n);
 }
 
-bool is_digit(unsigned int c) {
-    return c >= '0' && c <= '9';
-}
-
 // The code points of s after its leading white space, with a cursor.
 struct Scan {
     explicit Scan(const ovString& s)
@@ -46,7 +44,7 @@ struct Scan {
           text(s.convert(ovSTRING_UTF32)), length(s.length()), i(start.index()) {}
 
     bool at(unsigned int c) const { return i < length && text[i] == c; }
-    bool at_digit() const { return i < length && is_digit(text[i]); }
+    bool at_digit() const { return i < length && ovra_internal::is_ascii_digit(text[i]); }
     unsigned int digit() { return text[i++] - '0'; }
 
     // Takes an optional sign; -1 for "-".

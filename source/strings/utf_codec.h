@@ -18,6 +18,20 @@ namespace ovra_internal {
 
 constexpr unsigned int kReplacement = 0x3F; // "?", not U+FFFD, on purpose
 
+// Units before the first 0; 0 for null.
+template <class T> size_t units_before_zero(const T* p) noexcept {
+    size_t n = 0;
+    if (p)
+        while (p[n])
+            ++n;
+    return n;
+}
+
+// "0" to "9" only, whatever the locale.
+constexpr bool is_ascii_digit(unsigned int c) noexcept {
+    return c >= '0' && c <= '9';
+}
+
 inline bool is_continuation(unsigned char b) {
     return (b & 0xC0u) == 0x80u;
 }
@@ -42,8 +56,8 @@ constexpr Utf8Lead utf8_lead(unsigned b) {
     if (b < 0xC0 || b >= 0xF8)
         return {-1, 1, 0, 0};
     if (b < 0xE0)
-        return {1, static_cast<uint8_t>(b < 0xC2 ? 1 : 0x80), static_cast<uint8_t>(b < 0xC2 ? 0 : 0xBF),
-                0x1F};
+        return {1, static_cast<uint8_t>(b < 0xC2 ? 1 : 0x80),
+                static_cast<uint8_t>(b < 0xC2 ? 0 : 0xBF), 0x1F};
     if (b < 0xF0)
         return {2, static_cast<uint8_t>(b == 0xE0 ? 0xA0 : 0x80),
                 static_cast<uint8_t>(b == 0xED ? 0x9F : 0xBF), 0x0F};
@@ -284,6 +298,17 @@ inline constexpr char kFailedUtf16[] = "Failed to construct string from UTF16 st
 inline constexpr char kUnsafeAscii[] = "Error: this string contains unsafe/non-ASCII characters.";
 inline constexpr char kFailedCpIn[] = "Failed to convert to ovString.";
 inline constexpr char kFailedCpOut[] = "Failed to convert to 8-bit encoding.";
+
+// What a code page gives for text it cannot take: status 1, and the message
+// (a plain, not failed, string) as the result.
+inline ovString refused_cp_in(int& status) {
+    status = 1;
+    return ovString::literal(kFailedCpIn);
+}
+inline utString refused_cp_out(int& status) {
+    status = 1;
+    return utString(utSTRING_LIT, kFailedCpOut);
+}
 
 // A copy of s as callers of the encodings get it: never failed, so bad text
 // shows only in the status the caller already has.
