@@ -12,6 +12,8 @@
 /// no thread or no lock, make `join`, `enter` and `leave` return at once. An exception
 /// thrown by a task's `run` is caught where the native thread starts, so it never reaches
 /// std::terminate: the thread ends as if `run` had returned and `join` returns normally.
+/// A thread the system cannot start leaves nothing to join. Allocation failure
+/// propagates as std::bad_alloc.
 ///
 /// Native forms: `ovWinNativeThread` and `ovWinCriticalSection` (Windows),
 /// `ovLinuxNativeThread` (the standard-library thread, on every platform) and
@@ -54,8 +56,8 @@ public:
     virtual void join() = 0;
     virtual ~ovINativeThread();
 
-    /// Runs the task's run and swallows whatever it throws. Every native start routine
-    /// goes through here; an application's own native threads may use it too.
+    /// Runs the task's run (nothing for null) and swallows whatever it throws. Every
+    /// native start routine goes through here; an application's own threads may use it.
     static void run_task(ovIThreadTask* task) noexcept;
 
 protected:

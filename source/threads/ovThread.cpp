@@ -3,6 +3,8 @@
 #include "ovra/ovFrustrumChooser.h"
 #include "ovra/ovSystemOperations.h"
 
+#include <system_error>
+
 ovIThreadTask::~ovIThreadTask() = default;
 
 ovINativeThread::~ovINativeThread() = default;
@@ -10,6 +12,8 @@ ovINativeThread::~ovINativeThread() = default;
 void ovINativeThread::run_task(ovIThreadTask* task) noexcept {
     // An exception leaving a thread's start routine would end the process; the task's
     // owner learns nothing more from join than that the work is over.
+    if (!task)
+        return;
     try {
         task->run();
     } catch (...) {
@@ -18,8 +22,13 @@ void ovINativeThread::run_task(ovIThreadTask* task) noexcept {
 
 ovLinuxNativeThread::ovLinuxNativeThread(std::shared_ptr<ovIThreadTask> task)
     : ovINativeThread(std::move(task)) {
-    if (m_task)
+    if (!m_task)
+        return;
+    // A thread the system refuses leaves nothing to join, as on Windows.
+    try {
         m_thread = std::thread([task = m_task] { run_task(task.get()); });
+    } catch (const std::system_error&) {
+    }
 }
 
 void ovLinuxNativeThread::join() {
