@@ -1,4 +1,5 @@
-// Internal: the chooser's platform half and the record of which defaults were built.
+// Internal: the chooser's platform half for every interface but files, and the record of
+// which of those defaults were built.
 //
 // The platform files (win/, posix/) name the implementation of each interface; this is
 // the only place outside the chooser that knows them. Each default lives in a
@@ -19,12 +20,11 @@ namespace ovra_internal {
 
 // One bit per default instance.
 enum ChooserDefault : unsigned {
-    CHOSEN_FILE_OPERATIONS = 1u << 0,
-    CHOSEN_SYSTEM_INFO = 1u << 1,
-    CHOSEN_PROCESS_THREAD = 1u << 2,
-    CHOSEN_LIBRARY_LOADER = 1u << 3,
-    CHOSEN_PROCESS_ENVIRONMENT = 1u << 4,
-    CHOSEN_SYNCH = 1u << 5,
+    CHOSEN_SYSTEM_INFO = 1u << 0,
+    CHOSEN_PROCESS_THREAD = 1u << 1,
+    CHOSEN_LIBRARY_LOADER = 1u << 2,
+    CHOSEN_PROCESS_ENVIRONMENT = 1u << 3,
+    CHOSEN_SYNCH = 1u << 4,
 };
 
 // Records that the default `which` has been built.

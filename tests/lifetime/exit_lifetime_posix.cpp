@@ -3,6 +3,7 @@
 // finalisation list, which the loader runs after the static destructors of the
 // executable and of every shared library. Run under ASan, any use of a freed
 // constant shows; a wrong answer exits with 1.
+#include "ovra/ovFileOperations.h"
 #include "ovra/ovFrustrumChooser.h"
 #include "ovra/ovPathName.h"
 #include "ovra/ovStringEncoding.h"
@@ -40,7 +41,10 @@ int use_the_library(const char* when) {
     const utString narrow =
         ovStringEncodingChooser().ut_encoding()->out(OVSTRING("caf\xC3\xA9"), status);
     expect(status == 0 && std::strcmp(narrow.c_str(), "caf\xC3\xA9") == 0, "UTF-8 encoding");
-    // So are the chooser's default operations.
+    // So are the chooser's operations.
+    const ovIFileOperations* files = ovFrustrumChooser(nullptr).file_operations();
+    expect(files && files->type_of_path(ovPathName(OVSTRING("."))) == ovPATH_DIRECTORY,
+           "the default file operations answer");
     ovCriticalSection section(nullptr);
     { ovCriticalSectionLocker locker(&section); }
     expect(!ovFrustrumChooser(nullptr).system_info_operations()->computer_name().empty(),
