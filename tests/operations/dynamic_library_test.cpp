@@ -4,7 +4,7 @@
 #include "ovra/ovFrustrumChooser.h"
 
 #include "plugin_path.h"
-#include "test_doubles.h"
+#include "system_ops_doubles.h"
 
 #include <gtest/gtest.h>
 

@@ -5,7 +5,7 @@
 #include "ovra/ovSystemOpsTesters.h"
 
 #include "plugin_path.h"
-#include "test_doubles.h"
+#include "system_ops_doubles.h"
 
 #include <gtest/gtest.h>
 

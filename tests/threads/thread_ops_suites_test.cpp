@@ -3,7 +3,7 @@
 #include "ovra/ovFrustrumChooser.h"
 #include "ovra/ovSystemOpsTesters.h"
 
-#include "../operations/test_doubles.h"
+#include "../operations/system_ops_doubles.h"
 
 #include <gtest/gtest.h>
 
