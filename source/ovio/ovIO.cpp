@@ -230,6 +230,22 @@ void ovIO::write_piece(const char* text, size_t n) {
 void ovIO::pass_args(const char* format, va_list args) {
     if (!format)
         return;
+    // A print function sees every piece as it is made. A stream sees only the
+    // bytes, so they are gathered and written once: the same text, one call.
+    const bool captured = m_output == the_global_output && (m_print_function || the_print_function);
+    std::string gathered;
+    auto emit = [&](const char* text) {
+        if (captured)
+            print_string(text);
+        else
+            gathered += text; // up to its first 0, as fputs would have written it
+    };
+    auto emit_run = [&](const char* text, size_t n) {
+        if (captured)
+            write_piece(text, n);
+        else
+            gathered.append(text, n);
+    };
     const char* p = format;
     const char* run = p; // ordinary text not written yet
     while (*p) {
@@ -237,7 +253,7 @@ void ovIO::pass_args(const char* format, va_list args) {
             ++p;
             continue;
         }
-        write_piece(run, static_cast<size_t>(p - run));
+        emit_run(run, static_cast<size_t>(p - run));
         const char* q = p + 1;
         int width = 0, precision = 0;
         bool plus = false;
@@ -274,7 +290,7 @@ void ovIO::pass_args(const char* format, va_list args) {
         }
         const char letter = *q;
         if (!letter) { // a lone "%" at the end
-            print_string("%");
+            emit("%");
             run = p = q;
             break;
         }
@@ -329,14 +345,14 @@ void ovIO::pass_args(const char* format, va_list args) {
                 }
                 if (len + 5 >= 1024) {
                     work[len] = 0;
-                    print_string(work);
+                    emit(work);
                     len = 0;
                     written = true;
                 }
             }
             work[len] = 0;
             if (written)
-                print_string(work);
+                emit(work);
             else
                 field(out, "%*s", w, work);
             break;
@@ -345,11 +361,13 @@ void ovIO::pass_args(const char* format, va_list args) {
             field(out, "%c%c", '%', letter);
             break;
         }
-        print_string(out);
+        emit(out);
         p = q + 1;
         run = p;
     }
-    write_piece(run, static_cast<size_t>(p - run));
+    emit_run(run, static_cast<size_t>(p - run));
+    if (!gathered.empty())
+        print_string(gathered.c_str());
 }
 
 void ovIO::printf(const char* format, ...) {

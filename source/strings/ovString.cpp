@@ -237,6 +237,14 @@ void ovString::init_utf8(const char* p) {
         init_failed(kFailedUtf8);
         return;
     }
+    // Short ASCII text (names, keys, words: most strings) needs neither the
+    // block scanner nor the decoder: every byte is a code point.
+    if (n <= 64 && ovra_internal::all_ascii(p, n)) {
+        unsigned int* text = init_text(n);
+        for (size_t i = 0; i < n; ++i)
+            text[i] = static_cast<unsigned char>(p[i]);
+        return;
+    }
     // The counting pass of ConvertUTF, without the fallback that counts the
     // "?" of bad input: here bad input fails the string whatever the count.
     size_t chars;

@@ -85,6 +85,20 @@ inline bool utf8_second_ok(const Utf8Lead& lead, unsigned b) {
     return b >= lead.lo && b <= lead.hi;
 }
 
+// True when none of the n bytes has its top bit set; a word at a time.
+inline bool all_ascii(const char* p, size_t n) noexcept {
+    uint64_t high = 0;
+    size_t i = 0;
+    for (; i + 8 <= n; i += 8) {
+        uint64_t w;
+        std::memcpy(&w, p + i, 8);
+        high |= w;
+    }
+    for (; i < n; ++i)
+        high |= static_cast<unsigned char>(p[i]);
+    return (high & 0x8080808080808080ull) == 0;
+}
+
 unsigned int read_utf8_slow(const char*& p, const char* end, bool& exact);
 unsigned int read_utf16_slow(const ovChar16*& p, const ovChar16* end, bool& exact);
 

@@ -169,8 +169,13 @@ TEST_F(IOTest, PrintFunctionsCaptureOnlyTheGlobalOutput) {
         EXPECT_EQ(file, ovIO_OPENED);
         file.put_s("in file %d", 1);
         file.newline(1);
+        // Streams get the same text as print functions, long visible strings included.
+        file.put_s("%(3)c|%r|%(5)s|%q%", 'x', std::string(600, '\t').c_str(), "ab");
     }
-    EXPECT_EQ(file_text(name), "in file 1\n");
+    std::string tabs;
+    for (int i = 0; i < 600; ++i)
+        tabs += "\\t";
+    EXPECT_EQ(file_text(name), "in file 1\nx  |" + tabs + "|ab   |%q%");
     EXPECT_EQ(the_pieces.back(), "also") << "file output is never captured";
 
     // put_c and long runs of line ends bypass every print function.
