@@ -114,3 +114,33 @@ bool operator==(const char* a, const utString& b) noexcept { return b == a; }
 bool operator!=(const utString& a, const char* b) noexcept { return !(a == b); }
 
 bool operator!=(const char* a, const utString& b) noexcept { return !(b == a); }
+
+size_t utString::find(char c, size_t from) const noexcept {
+    if (!m_str || from >= m_len)
+        return npos;
+    const void* hit = std::memchr(m_str + from, c, m_len - from);
+    return hit ? static_cast<size_t>(static_cast<const char*>(hit) - m_str) : npos;
+}
+
+char* utString::modify() {
+    if (!m_str)
+        return nullptr;
+    if (!m_owned) {
+        m_str = duplicate(m_str, m_len);
+        m_owned = true;
+    }
+    return const_cast<char*>(m_str);
+}
+
+void utString::remove_trailing_chars(const char* chars) {
+    if (!m_str || !chars)
+        return;
+    size_t len = m_len;
+    while (len > 0 && *chars && std::strchr(chars, m_str[len - 1]))
+        --len;
+    if (len == m_len)
+        return;
+    char* text = modify();
+    text[len] = '\0';
+    m_len = len;
+}

@@ -143,3 +143,40 @@ TEST(utString, SubstrClampsToTheText) {
 }
 
 } // namespace
+
+TEST(utString, FindModifyAndTrailingChars) {
+    const utString abc("abcabc");
+    EXPECT_EQ(abc.find('b'), 1u);
+    EXPECT_EQ(abc.find('b', 2), 4u);
+    EXPECT_EQ(abc.find('z'), utString::npos);
+    EXPECT_EQ(abc.find('a', 99), utString::npos);
+    EXPECT_EQ(utString().find('a'), utString::npos);
+
+    // A literal is copied before it is written, so the literal stays intact.
+    static const char literal[] = "lit";
+    utString lit(utSTRING_LIT, literal);
+    char* w = lit.modify();
+    ASSERT_NE(w, literal);
+    w[0] = 'L';
+    EXPECT_EQ(lit, "Lit");
+    EXPECT_STREQ(literal, "lit");
+    EXPECT_EQ(utString().modify(), nullptr);
+
+    struct Case {
+        const char *text, *chars, *expected;
+    } const cases[] = {
+        {"line\n", "\n", "line"},  {"x\n\n", "\n", "x"}, {"\n", "\n", ""},
+        {"ab  ", " ", "ab"},       {"ab", "\n", "ab"},   {"ab\n", "", "ab\n"},
+        {"ab\n", nullptr, "ab\n"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.text);
+        utString s(utSTRING_LIT, c.text);
+        s.remove_trailing_chars(c.chars);
+        EXPECT_EQ(s, c.expected);
+        EXPECT_EQ(s.length(), std::strlen(c.expected));
+    }
+    utString null;
+    null.remove_trailing_chars("\n");
+    EXPECT_TRUE(null.is_null());
+}

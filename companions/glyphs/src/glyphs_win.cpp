@@ -6,10 +6,18 @@
 #ifndef NOMINMAX // the C++ runtime may already define it
 #define NOMINMAX
 #endif
+#include <shlobj.h>
 #include <windows.h>
 
 #include <cerrno>
+#include <climits>
+#include <cstdarg>
+#include <cstdlib>
 #include <cwchar>
+#include <direct.h>
+#include <fcntl.h>
+#include <io.h>
+#include <process.h>
 #include <string>
 
 namespace {
@@ -24,6 +32,25 @@ bool to_wide(const char* utf8, std::wstring& out) {
         return false;
     out.pop_back(); // the converted terminator
     return true;
+}
+
+// Runs `call` on the wide form of `utf8`; -1 with EINVAL for a null or malformed name.
+template <class Call> int with_wide(const char* utf8, Call call) {
+    if (!utf8) {
+        errno = EINVAL;
+        return -1;
+    }
+    try {
+        std::wstring wide;
+        if (!to_wide(utf8, wide)) {
+            errno = EINVAL;
+            return -1;
+        }
+        return call(wide.c_str());
+    } catch (...) {
+        errno = ENOMEM;
+        return -1;
+    }
 }
 
 } // namespace
@@ -61,4 +88,90 @@ int MessageBoxU(void* owner, const char* text, const char* caption, unsigned int
         SetLastError(ERROR_NOT_ENOUGH_MEMORY);
         return 0;
     }
+}
+
+int ub_open(const char* utf8_path, int flags, ...) {
+    int mode = 0;
+    if (flags & _O_CREAT) {
+        va_list ap;
+        va_start(ap, flags);
+        mode = va_arg(ap, int);
+        va_end(ap);
+    }
+    return with_wide(utf8_path, [&](const wchar_t* w) { return _wopen(w, flags, mode); });
+}
+
+// The runtime's 32-bit-size stat refuses files its record cannot describe; the MinGW
+// inline form would truncate the size instead, so the check is made here.
+int ub_stat(const char* utf8_path, struct stat* result) {
+    if (!result) {
+        errno = EINVAL;
+        return -1;
+    }
+    struct _stat64 full;
+    if (ub_stat64_func(utf8_path, &full) != 0)
+        return -1;
+    if (full.st_size > INT_MAX) {
+        errno = EOVERFLOW;
+        return -1;
+    }
+    result->st_dev = full.st_dev;
+    result->st_ino = full.st_ino;
+    result->st_mode = full.st_mode;
+    result->st_nlink = full.st_nlink;
+    result->st_uid = full.st_uid;
+    result->st_gid = full.st_gid;
+    result->st_rdev = full.st_rdev;
+    result->st_size = static_cast<_off_t>(full.st_size);
+    result->st_atime = full.st_atime;
+    result->st_mtime = full.st_mtime;
+    result->st_ctime = full.st_ctime;
+    return 0;
+}
+
+int ub_stat64_func(const char* utf8_path, struct _stat64* result) {
+    if (!result) {
+        errno = EINVAL;
+        return -1;
+    }
+    return with_wide(utf8_path, [&](const wchar_t* w) { return _wstat64(w, result); });
+}
+
+int ub_unlink(const char* utf8_path) {
+    return with_wide(utf8_path, [](const wchar_t* w) { return _wunlink(w); });
+}
+
+int ub_chmod(const char* utf8_path, int mode) {
+    return with_wide(utf8_path, [&](const wchar_t* w) { return _wchmod(w, mode); });
+}
+
+int ub_mkdir(const char* utf8_path) {
+    return with_wide(utf8_path, [](const wchar_t* w) { return _wmkdir(w); });
+}
+
+int ub_rmdir(const char* utf8_path) {
+    return with_wide(utf8_path, [](const wchar_t* w) { return _wrmdir(w); });
+}
+
+int ub_system(const char* utf8_command) {
+    if (!utf8_command)
+        return _wsystem(nullptr);
+    return with_wide(utf8_command, [](const wchar_t* w) { return _wsystem(w); });
+}
+
+long SHGetFolderPathU(void* owner, int folder, void* token, unsigned long flags, char* path) {
+    if (!path)
+        return E_INVALIDARG;
+    path[0] = '\0';
+    wchar_t wide[MAX_PATH] = {};
+    const HRESULT hr =
+        SHGetFolderPathW(static_cast<HWND>(owner), folder, static_cast<HANDLE>(token), flags, wide);
+    if (FAILED(hr))
+        return hr;
+    const int n = WideCharToMultiByte(CP_UTF8, 0, wide, -1, path, MAX_PATH, nullptr, nullptr);
+    if (n <= 0) {
+        path[0] = '\0';
+        return E_FAIL;
+    }
+    return hr;
 }

@@ -3,10 +3,18 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
+#include <fcntl.h>
 #include <filesystem>
 #include <random>
 #include <string>
+#include <sys/stat.h>
 #include <vector>
+
+#if defined(_WIN32)
+#include <io.h>
+#else
+#include <unistd.h>
+#endif
 
 namespace fs = std::filesystem;
 
@@ -74,3 +82,71 @@ TEST_F(ubFopen, FailuresGiveNullAndErrno) {
 }
 
 } // namespace
+
+// The path calls on one non-ASCII tree: make a folder, a file in it by descriptor,
+// stat both records, change permissions, remove everything again.
+TEST_F(ubFopen, PathCallsWorkOnNonAsciiNames) {
+    const std::string folder = utf8_path(kName) + ".d";
+    ASSERT_EQ(ub_mkdir(folder.c_str()), 0);
+    EXPECT_EQ(ub_mkdir(folder.c_str()), -1);
+    EXPECT_EQ(errno, EEXIST);
+    const std::string file = folder + "/" + kName;
+    const int fd = ub_open(file.c_str(), O_CREAT | O_WRONLY, 0644);
+    ASSERT_GE(fd, 0);
+#if defined(_WIN32)
+    EXPECT_EQ(_write(fd, "1234", 4), 4);
+    EXPECT_EQ(_close(fd), 0);
+#else
+    EXPECT_EQ(write(fd, "1234", 4), 4);
+    EXPECT_EQ(close(fd), 0);
+#endif
+    struct stat st;
+    ASSERT_EQ(ub_stat(file.c_str(), &st), 0);
+    EXPECT_EQ(st.st_size, 4);
+    EXPECT_TRUE(S_ISREG(st.st_mode));
+    ASSERT_EQ(ub_stat(folder.c_str(), &st), 0);
+    EXPECT_TRUE(S_ISDIR(st.st_mode));
+#if defined(_WIN32)
+    struct _stat64 big;
+#else
+    struct stat big;
+#endif
+    ASSERT_EQ(ub_stat64_func(file.c_str(), &big), 0);
+    EXPECT_EQ(big.st_size, 4);
+    EXPECT_EQ(ub_chmod(file.c_str(), 0444), 0);
+    EXPECT_EQ(ub_chmod(file.c_str(), 0644), 0);
+    EXPECT_EQ(ub_rmdir(folder.c_str()), -1) << "not empty";
+    EXPECT_EQ(ub_unlink(file.c_str()), 0);
+    EXPECT_EQ(ub_unlink(file.c_str()), -1);
+    EXPECT_EQ(errno, ENOENT);
+    EXPECT_EQ(ub_rmdir(folder.c_str()), 0);
+    EXPECT_EQ(ub_stat(folder.c_str(), &st), -1);
+    EXPECT_EQ(errno, ENOENT);
+}
+
+TEST(ubPathCalls, NullNamesGiveEinval) {
+    struct stat st;
+    errno = 0;
+    EXPECT_EQ(ub_open(nullptr, O_RDONLY), -1);
+    EXPECT_EQ(errno, EINVAL);
+    errno = 0;
+    EXPECT_EQ(ub_stat(nullptr, &st), -1);
+    EXPECT_EQ(errno, EINVAL);
+    errno = 0;
+    EXPECT_EQ(ub_stat("x", nullptr), -1);
+    EXPECT_EQ(errno, EINVAL);
+    for (int (*call)(const char*) : {ub_unlink, ub_mkdir, ub_rmdir}) {
+        errno = 0;
+        EXPECT_EQ(call(nullptr), -1);
+        EXPECT_EQ(errno, EINVAL);
+    }
+    errno = 0;
+    EXPECT_EQ(ub_chmod(nullptr, 0644), -1);
+    EXPECT_EQ(errno, EINVAL);
+}
+
+TEST(ubSystem, RunsACommandAndAnswersTheNullQuery) {
+    EXPECT_NE(ub_system(nullptr), 0) << "a command interpreter exists";
+    EXPECT_EQ(ub_system("exit 0"), 0);
+    EXPECT_NE(ub_system("exit 2"), 0);
+}

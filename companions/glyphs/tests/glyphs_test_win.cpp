@@ -3,6 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/stat.h>
 
 namespace {
 
@@ -40,3 +43,28 @@ TEST(ubMessageBoxU, MalformedUtf8ShowsNothing) {
 }
 
 } // namespace
+
+TEST(ubPathCallsWin, InvalidUtf8IsRefused) {
+    const char bad[] = "bad\xC3(name";
+    struct stat st;
+    errno = 0;
+    EXPECT_EQ(ub_open(bad, O_RDONLY), -1);
+    EXPECT_EQ(errno, EINVAL);
+    errno = 0;
+    EXPECT_EQ(ub_stat(bad, &st), -1);
+    EXPECT_EQ(errno, EINVAL);
+    errno = 0;
+    EXPECT_EQ(ub_mkdir(bad), -1);
+    EXPECT_EQ(errno, EINVAL);
+    errno = 0;
+    EXPECT_EQ(ub_system(bad), -1);
+    EXPECT_EQ(errno, EINVAL);
+}
+
+TEST(SHGetFolderPathU, WritesTheFolderAsUtf8) {
+    char path[260] = "x";
+    EXPECT_GE(SHGetFolderPathU(nullptr, 0x001a /* CSIDL_APPDATA */, nullptr, 0, path), 0);
+    EXPECT_GT(std::strlen(path), 3u);
+    EXPECT_LT(SHGetFolderPathU(nullptr, 0x7777, nullptr, 0, path), 0);
+    EXPECT_STREQ(path, "");
+}

@@ -34,6 +34,17 @@ public:
     bool empty() const noexcept;        // null or ""
     void swap(utString& o) noexcept;    // exchanges contents and ownership
 
+    // Position of the first byte c at or after `from`; npos when there is none.
+    size_t find(char c, size_t from = 0) const noexcept;
+    enum : size_t { npos = static_cast<size_t>(-1) }; // an enumerator: nothing to import
+
+    // A writable buffer of length() bytes plus the terminator, owned by this string
+    // alone (text referred to as a literal is copied first); null in the null state.
+    char* modify();
+
+    // Drops every trailing byte that occurs in `chars`; a null `chars` removes nothing.
+    void remove_trailing_chars(const char* chars);
+
     // A new owned string of up to len bytes from pos; both are clamped to the
     // text, so any values are safe. The null state gives the null state.
     utString substr(size_t pos, size_t len = static_cast<size_t>(-1)) const;

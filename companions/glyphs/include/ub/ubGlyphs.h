@@ -1,21 +1,57 @@
 // UTF-8 forms of platform calls, so callers can pass UTF-8 names everywhere, including
 // where the native calls want UTF-16. Failures return the call's usual failure value and
 // set errno; null or malformed (non-UTF-8) arguments give EINVAL.
+//
+// Windows: each converts its UTF-8 arguments to UTF-16 and calls the wide runtime or
+// Win32 function. POSIX: file names are bytes already, so the plain calls are made.
 #ifndef UB_GLYPHS_H
 #define UB_GLYPHS_H
 
 #include "ub/ubExport.h"
 
 #include <cstdio>
+#include <sys/stat.h>
 
 // fopen with a UTF-8 path and mode; nullptr (errno set) on failure or bad arguments.
 UB_API FILE* ub_fopen(const char* utf8_path, const char* mode);
+
+// open/_wopen with a UTF-8 path; the third argument, read only with O_CREAT, is the
+// permission mode. Returns the descriptor or -1.
+UB_API int ub_open(const char* utf8_path, int flags, ...);
+
+// stat with a UTF-8 path into the platform's record. Windows: the record has a 32-bit
+// size, and a file too large for it fails with EOVERFLOW, as the runtime's own does.
+UB_API int ub_stat(const char* utf8_path, struct stat* result);
+
+#if defined(_WIN32)
+// _wstat64 with a UTF-8 path: the record with a 64-bit size.
+UB_API int ub_stat64_func(const char* utf8_path, struct _stat64* result);
+#else
+// stat with a UTF-8 path; the platform's record already has a 64-bit size.
+UB_API int ub_stat64_func(const char* utf8_path, struct stat* result);
+#endif
+
+// unlink, chmod, mkdir and rmdir with a UTF-8 path: 0 or -1. mkdir takes no mode
+// (POSIX gives 0777 before the umask).
+UB_API int ub_unlink(const char* utf8_path);
+UB_API int ub_chmod(const char* utf8_path, int mode);
+UB_API int ub_mkdir(const char* utf8_path);
+UB_API int ub_rmdir(const char* utf8_path);
+
+// system with a UTF-8 command: the command interpreter's status. A null command asks
+// whether an interpreter exists, as system(NULL) does.
+UB_API int ub_system(const char* utf8_command);
 
 #if defined(_WIN32)
 // MessageBoxW with UTF-8 text and caption; `owner` is an HWND or null. Null text or
 // caption pass through as MessageBoxW takes them. Returns the button pressed, or 0 on
 // failure; malformed UTF-8 shows nothing and gives 0 with errno EINVAL.
 UB_API int MessageBoxU(void* owner, const char* text, const char* caption, unsigned int type);
+
+// SHGetFolderPathW with the path written as UTF-8 into `path`, which holds MAX_PATH
+// bytes; `owner` is an HWND and `token` a HANDLE, both may be null. Returns the HRESULT;
+// a path whose UTF-8 form does not fit fails with E_FAIL and leaves "".
+UB_API long SHGetFolderPathU(void* owner, int folder, void* token, unsigned long flags, char* path);
 #endif
 
 #endif // UB_GLYPHS_H
