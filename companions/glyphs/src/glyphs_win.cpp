@@ -1,5 +1,7 @@
 #include "ub/ubGlyphs.h"
 
+#include "utf8_win.h"
+
 #ifndef WIN32_LEAN_AND_MEAN
 #define WIN32_LEAN_AND_MEAN
 #endif
@@ -22,16 +24,9 @@
 
 namespace {
 
-// False on malformed UTF-8, so bad names are refused rather than silently altered.
+// False for null or malformed UTF-8, so bad names are refused rather than silently altered.
 bool to_wide(const char* utf8, std::wstring& out) {
-    const int n = MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, utf8, -1, nullptr, 0);
-    if (n <= 0)
-        return false;
-    out.resize(static_cast<size_t>(n));
-    if (MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, utf8, -1, &out[0], n) != n)
-        return false;
-    out.pop_back(); // the converted terminator
-    return true;
+    return utf8 && ub_detail::utf8_to_wide(utf8, out);
 }
 
 // Runs `call` on the wide form of `utf8`; -1 with EINVAL for a null or malformed name.
