@@ -4,8 +4,8 @@
 #include "ovra/ovFrustrumChooser.h"
 
 #include "../operations/delegating_file_operations.h"
-#include "dir_link.h"
 #include "../support/scratch_dir.h"
+#include "dir_link.h"
 
 #include <gtest/gtest.h>
 

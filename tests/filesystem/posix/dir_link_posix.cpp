@@ -2,8 +2,8 @@
 
 #include <system_error>
 
-bool ovtest::make_dir_link(const std::filesystem::path& target,
-                           const std::filesystem::path& link, std::string& why) {
+bool ovtest::make_dir_link(const std::filesystem::path& target, const std::filesystem::path& link,
+                           std::string& why) {
     std::error_code ec;
     std::filesystem::create_directory_symlink(target, link, ec);
     if (ec)

@@ -9,8 +9,8 @@
 #define SYMBOLIC_LINK_FLAG_ALLOW_UNPRIVILEGED_CREATE 0x2
 #endif
 
-bool ovtest::make_dir_link(const std::filesystem::path& target,
-                           const std::filesystem::path& link, std::string& why) {
+bool ovtest::make_dir_link(const std::filesystem::path& target, const std::filesystem::path& link,
+                           std::string& why) {
     const DWORD flags = SYMBOLIC_LINK_FLAG_DIRECTORY | SYMBOLIC_LINK_FLAG_ALLOW_UNPRIVILEGED_CREATE;
     if (CreateSymbolicLinkW(link.c_str(), target.c_str(), flags))
         return true;
