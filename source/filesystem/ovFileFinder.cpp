@@ -55,11 +55,26 @@ int ovFileMatch::match(const ovFileName& file_name) const {
         }
         return m_compare->equal(slice(name, n, n_end), slice(m_pattern, p, p_end)) != 0;
     };
+    // Past the last wildcard the pattern is one literal tail.
+    size_t tail = plen;
+    while (tail > 0 && ps[tail - 1] != '*' && ps[tail - 1] != '?')
+        --tail;
     const auto walk = [&](size_t& n, size_t& p) -> WalkEnd {
         for (;;) {
             const unsigned int c = p < plen ? ps[p] : 0;
-            if (p < plen && c == '*')
+            if (p < plen && c == '*') {
+                // A last star takes whatever is left; a last star before the literal
+                // tail can only match where exact comparison finds the tail's length.
+                if (p + 1 == plen)
+                    return WalkEnd::MATCH;
+                if (exact && p + 1 == tail) {
+                    const size_t need = plen - tail;
+                    if (nlen < n + need)
+                        return WalkEnd::FAIL;
+                    return equal(nlen - need, nlen, tail, plen) ? WalkEnd::MATCH : WalkEnd::FAIL;
+                }
                 return WalkEnd::STAR;
+            }
             if (p < plen && c == '?' && n < nlen) {
                 ++n;
                 ++p;
@@ -134,11 +149,14 @@ void ovRecursiveFileFinder::get_files_including_sub_folders(const utString& filt
 void ovRecursiveFileFinder::list_files(const ovFileMatch& match, int relative,
                                        ovPathcoDList& result) {
     ovFileFinderEx finder(m_top);
+    const ovIFileOperations* ops = m_top.file_operations();
     while (++finder) {
         const ovFileName name = finder();
-        const ovPath child = m_top.adjoin_ov(name);
-        const ovPathType type = m_top.file_operations()->type_of_path(child);
+        // The bare path name is enough to ask; an ovPath is made only when needed.
+        const ovPathName child_name = m_top.ovPathName::adjoin(name);
+        const ovPathType type = ops->type_of_path(child_name);
         if (type == ovPATH_DIRECTORY) {
+            const ovPath child(child_name, ops, m_top.encoding());
             ovPathcoDList inner;
             ovRecursiveFileFinder(child).list_files(match, 1, inner);
             const ovPath base =
@@ -149,7 +167,7 @@ void ovRecursiveFileFinder::list_files(const ovFileMatch& match, int relative,
             if (relative)
                 result.insert_last(ovPath(ovPathName(name.string()), nullptr, nullptr));
             else
-                result.insert_last(child);
+                result.insert_last(ovPath(child_name, ops, m_top.encoding()));
         }
     }
 }
@@ -208,7 +226,7 @@ int ovFileFinder::filename_matches_filter(const char* name, const char* filter) 
         for (; p < flen; ++p) {
             const char c = filter[p];
             if (c == '*')
-                return WalkEnd::STAR;
+                return p + 1 == flen ? WalkEnd::MATCH : WalkEnd::STAR;
             if (n == nlen)
                 return WalkEnd::FAIL;
             if (c != '?' && !compare_char(c, name[n]))

@@ -216,11 +216,13 @@ ovStatus ovDirectory::delete_tree() const {
     while (++finder) {
         const ovFileName name = finder();
         const ovFile entry = file(name);
+        // A file, or a link to one, goes with the file primitive, which removes a link
+        // itself; only what is not a file needs the link question.
         ovStatus done(0);
-        if (ovra_internal::is_link(entry.path_name()))
-            done = ovStatus(ovra_internal::remove_link(entry.path_name()) ? 1 : 0);
-        else if (entry.is_file())
+        if (entry.is_file())
             done = entry.delete_file();
+        else if (ovra_internal::is_link(entry.path_name()))
+            done = ovStatus(ovra_internal::remove_link(entry.path_name()) ? 1 : 0);
         else
             done = directory(name).delete_tree();
         if (!done.ok())

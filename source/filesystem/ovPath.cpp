@@ -110,13 +110,16 @@ int ovPath::delete_tree() const {
     ovFileFinderEx finder(*this);
     while (++finder) {
         const ovPath child = adjoin_ov(finder());
+        // A file, or a link to one, goes with the file primitive, which removes a link
+        // itself; only what looks like a directory needs the link question.
+        const ovPathType type = m_operations->type_of_path(child);
         int done = 0;
-        if (ovra_internal::is_link(child))
+        if (type == ovPATH_FILE)
+            done = m_operations->remove_file(child) ? 1 : 0;
+        else if (ovra_internal::is_link(child))
             done = ovra_internal::remove_link(child) ? 1 : 0;
-        else if (child.is_directory())
+        else if (type == ovPATH_DIRECTORY)
             done = child.delete_tree();
-        else if (child.is_file())
-            done = child.delete_file();
         if (!done)
             return 0;
     }
