@@ -1,17 +1,18 @@
-// ovByteArray: a shared byte buffer with a 64-bit length, the unit in which whole
-// files are read and written.
-//
-// Copies share the bytes and one use count; the last copy to go frees them. The
-// count is a plain integer, not atomic: an array and its copies stay on one thread.
-//
-// Error contract: nothing here fails outward except allocation, which throws
-// std::bad_alloc from the copying constructors, get_copy_ptr, replace_all and +. The
-// default array holds no bytes (`invalid()`); an array of length 0 made from a buffer
-// is valid and empty.
-//
-// replace_all scans once and never restarts a partial match inside itself: in the
-// bytes aaab the pattern aab is not found. Kept on purpose. An empty pattern replaces
-// nothing and gives 0.
+/// @file
+/// ovByteArray: a shared byte buffer with a 64-bit length, the unit in which whole
+/// files are read and written.
+///
+/// Copies share the bytes and one use count; the last copy to go frees them. The
+/// count is a plain integer, not atomic: an array and its copies stay on one thread.
+///
+/// Error contract: nothing here fails outward except allocation, which throws
+/// std::bad_alloc from the copying constructors, get_copy_ptr, replace_all and +. The
+/// default array holds no bytes (`invalid()`); an array of length 0 made from a buffer
+/// is valid and empty.
+///
+/// replace_all scans once and never restarts a partial match inside itself: in the
+/// bytes aaab the pattern aab is not found. Kept on purpose. An empty pattern replaces
+/// nothing and gives 0.
 #pragma once
 
 #include "ovra/ovExport.h"
@@ -20,49 +21,52 @@
 #include <cstdint>
 #include <memory>
 
+/// A shared, counted array of bytes with a 64-bit length: what whole-file reads
+/// give and whole-file writes take.
 class OV_API ovByteArray {
 public:
-    // No bytes, length 0, invalid.
+    /// No bytes, length 0, invalid.
     ovByteArray() noexcept;
-    // A copy of `length` bytes from `bytes`; null bytes give the default array.
+    /// A copy of `length` bytes from `bytes`; null bytes give the default array.
     ovByteArray(const char* bytes, uint64_t length);
-    // Takes `bytes` (allocated as an array) without copying; `length` is its size.
-    // A null buffer gives the default array.
+    /// Takes `bytes` (allocated as an array) without copying; `length` is its size.
+    /// A null buffer gives the default array.
     ovByteArray(std::unique_ptr<char[]> bytes, uint64_t length);
-    // Shares the other's bytes.
+    /// Shares the other's bytes.
     ovByteArray(const ovByteArray& o) noexcept;
-    // A copy of the other's bytes, sharing nothing; the default array stays default.
+    /// A copy of the other's bytes, sharing nothing; the default array stays default.
     ovByteArray(utDeepCopy, const ovByteArray& o);
-    // Shares, by copy and swap; assigning an array to itself changes nothing.
+    /// Shares, by copy and swap; assigning an array to itself changes nothing.
     ovByteArray& operator=(const ovByteArray& o) noexcept;
     ~ovByteArray();
 
-    // 1 when there are no bytes at all (the default array).
+    /// 1 when there are no bytes at all (the default array).
     int invalid() const noexcept { return m_data ? 0 : 1; }
-    // 1 when the length is 0.
+    /// 1 when the length is 0.
     int empty() const noexcept { return m_length == 0 ? 1 : 0; }
-    // The bytes, read-only; null for the default array.
+    /// The bytes, read-only; null for the default array.
     const char* get_ptr() const noexcept { return m_data; }
-    // The number of bytes.
+    /// The number of bytes.
     uint64_t length() const noexcept { return m_length; }
-    // A new copy of the bytes that the caller frees with delete[]; null for the
-    // default array.
+    /// A new copy of the bytes that the caller frees with delete[]; null for the
+    /// default array.
     char* get_copy_ptr() const;
 
-    // Replaces every non-overlapping occurrence of `find`, scanning from the first
-    // byte, by `replacement`; the number replaced. With none, the bytes stay as they
-    // are and stay shared; otherwise this array gets bytes of its own and its earlier
-    // copies keep the old ones.
+    /// Replaces every non-overlapping occurrence of `find`, scanning from the first
+    /// byte, by `replacement`; the number replaced. With none, the bytes stay as they
+    /// are and stay shared; otherwise this array gets bytes of its own and its earlier
+    /// copies keep the old ones.
     int replace_all(const ovByteArray& find, const ovByteArray& replacement);
-    // This array's bytes followed by the other's, in a new array.
+    /// This array's bytes followed by the other's, in a new array.
     ovByteArray operator+(const ovByteArray& o) const;
 
-    // Same length and the same bytes, wherever they are kept.
+    /// Same length and the same bytes, wherever they are kept.
     bool operator==(const ovByteArray& o) const noexcept;
+    /// Not operator==.
     bool operator!=(const ovByteArray& o) const noexcept { return !(*this == o); }
 
 protected:
-    // Drops this array's share; the array becomes the default one.
+    /// Drops this array's share; the array becomes the default one.
     void release() noexcept;
     void swap(ovByteArray& o) noexcept;
 
