@@ -6,11 +6,17 @@
 /// count is a plain integer, not atomic: an array and its copies stay on one thread.
 ///
 /// Error contract: nothing here fails outward except allocation, which throws
-/// std::bad_alloc from the copying constructor. The default array holds no bytes
-/// (`invalid()`); an array of length 0 made from a buffer is valid and empty.
+/// std::bad_alloc from the copying constructors, get_copy_ptr, replace_all and +. The
+/// default array holds no bytes (`invalid()`); an array of length 0 made from a buffer
+/// is valid and empty.
+///
+/// replace_all scans once and never restarts a partial match inside itself: in the
+/// bytes aaab the pattern aab is not found. Kept on purpose. An empty pattern replaces
+/// nothing and gives 0.
 #pragma once
 
 #include "ovra/ovExport.h"
+#include "ut/utString.h"
 
 #include <cstdint>
 #include <memory>
@@ -28,6 +34,8 @@ public:
     ovByteArray(std::unique_ptr<char[]> bytes, uint64_t length);
     /// Shares the other's bytes.
     ovByteArray(const ovByteArray& o) noexcept;
+    /// A copy of the other's bytes, sharing nothing; the default array stays default.
+    ovByteArray(utDeepCopy, const ovByteArray& o);
     /// Shares, by copy and swap; assigning an array to itself changes nothing.
     ovByteArray& operator=(const ovByteArray& o) noexcept;
     ~ovByteArray();
@@ -40,6 +48,17 @@ public:
     const char* get_ptr() const noexcept { return m_data; }
     /// The number of bytes.
     uint64_t length() const noexcept { return m_length; }
+    /// A new copy of the bytes that the caller frees with delete[]; null for the
+    /// default array.
+    char* get_copy_ptr() const;
+
+    /// Replaces every non-overlapping occurrence of `find`, scanning from the first
+    /// byte, by `replacement`; the number replaced. With none, the bytes stay as they
+    /// are and stay shared; otherwise this array gets bytes of its own and its earlier
+    /// copies keep the old ones.
+    int replace_all(const ovByteArray& find, const ovByteArray& replacement);
+    /// This array's bytes followed by the other's, in a new array.
+    ovByteArray operator+(const ovByteArray& o) const;
 
     /// Same length and the same bytes, wherever they are kept.
     bool operator==(const ovByteArray& o) const noexcept;

@@ -16,7 +16,8 @@
 /// invalid path name, or text the encoding could not convert. The narrow text is
 /// worked out once, when the path is made.
 ///
-/// Removing a whole tree is not offered yet; it comes with the directory finders.
+/// Tree removal never leaves the tree: a symbolic link (POSIX) or a junction or other
+/// reparse point (Windows) inside it is removed as a link, never entered.
 #pragma once
 
 #include "ovra/ovExport.h"
@@ -76,6 +77,11 @@ public:
     int create_directory_full() const;
     /// 1 when removed or not a directory; the directory must be empty.
     int delete_directory() const;
+    /// Removes the directory and everything in it; 1 when done or when nothing exists
+    /// at the path. Links inside are removed as links. The first failure (an entry
+    /// that is neither file nor directory, or that cannot be removed) stops the walk
+    /// with 0; what was removed stays removed.
+    int delete_tree() const;
     /// A stream from `mode`, or null, without asking the mode, when the parent is not
     /// an existing directory. The caller closes it.
     FILE* file_open(const ovIFileMode& mode) const;

@@ -1,6 +1,8 @@
 #include "ovra/ovPath.h"
 
+#include "filesystem/link_os.h"
 #include "filesystem/path_text.h"
+#include "ovra/ovFileFinder.h"
 #include "ovra/ovFileOperations.h"
 #include "ovra/ovFrustrumChooser.h"
 #include "ovra/ovStringEncoding.h"
@@ -100,6 +102,28 @@ int ovPath::delete_directory() const {
     if (!is_directory())
         return 1;
     return m_operations->delete_directory(*this) ? 1 : 0;
+}
+
+int ovPath::delete_tree() const {
+    if (!exists())
+        return 1;
+    ovFileFinderEx finder(*this);
+    while (++finder) {
+        const ovPath child = adjoin_ov(finder());
+        // A file, or a link to one, goes with the file primitive, which removes a link
+        // itself; only what looks like a directory needs the link question.
+        const ovPathType type = m_operations->type_of_path(child);
+        int done = 0;
+        if (type == ovPATH_FILE)
+            done = m_operations->remove_file(child) ? 1 : 0;
+        else if (ovra_internal::is_link(child))
+            done = ovra_internal::remove_link(child) ? 1 : 0;
+        else if (type == ovPATH_DIRECTORY)
+            done = child.delete_tree();
+        if (!done)
+            return 0;
+    }
+    return delete_directory();
 }
 
 FILE* ovPath::file_open(const ovIFileMode& mode) const {

@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <memory>
+#include <string>
 
 TEST(ovByteArray, DefaultAndEmptyArrays) {
     const ovByteArray none;
@@ -70,4 +72,68 @@ TEST(ovByteArray, ComparesBytes) {
     EXPECT_TRUE(x == shared);
     // The default array and an empty one have the same (no) bytes.
     EXPECT_TRUE(ovByteArray() == ovByteArray("", 0));
+}
+
+namespace {
+
+std::string text_of(const ovByteArray& a) {
+    return a.get_ptr() ? std::string(a.get_ptr(), static_cast<size_t>(a.length())) : "<none>";
+}
+
+ovByteArray bytes(const std::string& s) {
+    return ovByteArray(s.data(), s.size());
+}
+
+} // namespace
+
+TEST(ovByteArray, ReplaceAllScansOnceWithoutRestarting) {
+    const struct {
+        const char* text;
+        const char* find;
+        const char* replacement;
+        const char* result;
+        int count;
+    } cases[] = {
+        {"abab", "ab", "xyz", "xyzxyz", 2},
+        {"aaab", "aab", "X", "aaab", 0}, // a failed partial match is not restarted inside
+        {"aaaa", "aa", "b", "bb", 2},    // matches do not overlap
+        {"xabx", "ab", "", "xx", 1},
+        {"abc", "abcd", "z", "abc", 0},
+        {"abc", "c", "CC", "abCC", 1},
+        {"aab", "ab", "-", "aab", 0}, // the mismatching a is not taken as a new start
+        {"abab", "", "x", "abab", 0}, // an empty pattern replaces nothing
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(std::string(c.text) + " / " + c.find);
+        ovByteArray a = bytes(c.text);
+        const ovByteArray before = a;
+        EXPECT_EQ(a.replace_all(bytes(c.find), bytes(c.replacement)), c.count);
+        EXPECT_EQ(text_of(a), c.result);
+        EXPECT_EQ(text_of(before), c.text); // earlier copies keep the old bytes
+        EXPECT_EQ(a.get_ptr() == before.get_ptr(), c.count == 0);
+    }
+    ovByteArray none;
+    EXPECT_EQ(none.replace_all(bytes("a"), bytes("b")), 0);
+    EXPECT_TRUE(none.invalid());
+}
+
+TEST(ovByteArray, DeepCopyCopyPointerAndConcatenation) {
+    const ovByteArray a = bytes("hello");
+    const ovByteArray deep(utDEEP_COPY, a);
+    EXPECT_NE(deep.get_ptr(), a.get_ptr());
+    EXPECT_EQ(deep, a);
+    EXPECT_TRUE(ovByteArray(utDEEP_COPY, ovByteArray()).invalid());
+
+    std::unique_ptr<char[]> copy(a.get_copy_ptr());
+    ASSERT_NE(copy.get(), nullptr);
+    EXPECT_EQ(std::string(copy.get(), 5), "hello");
+    EXPECT_NE(copy.get(), a.get_ptr());
+    EXPECT_EQ(ovByteArray().get_copy_ptr(), nullptr);
+
+    EXPECT_EQ(text_of(a + bytes(" world")), "hello world");
+    EXPECT_EQ(text_of(ovByteArray() + a), "hello");
+    EXPECT_FALSE((ovByteArray() + ovByteArray()).invalid());
+    EXPECT_TRUE((ovByteArray() + ovByteArray()).empty());
+    EXPECT_NE(a, bytes("hellO"));
+    EXPECT_NE(a, bytes("hell"));
 }

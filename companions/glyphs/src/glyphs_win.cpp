@@ -170,3 +170,73 @@ long SHGetFolderPathU(void* owner, int folder, void* token, unsigned long flags,
     }
     return hr;
 }
+
+namespace {
+
+// Copies one wide record into the narrow one; false when the name's UTF-8 form does
+// not fit.
+bool to_narrow_record(const WIN32_FIND_DATAW& w, ubFindData* data) {
+    ubFindData d = {};
+    d.dwFileAttributes = w.dwFileAttributes;
+    d.ftCreationTime[0] = w.ftCreationTime.dwLowDateTime;
+    d.ftCreationTime[1] = w.ftCreationTime.dwHighDateTime;
+    d.ftLastAccessTime[0] = w.ftLastAccessTime.dwLowDateTime;
+    d.ftLastAccessTime[1] = w.ftLastAccessTime.dwHighDateTime;
+    d.ftLastWriteTime[0] = w.ftLastWriteTime.dwLowDateTime;
+    d.ftLastWriteTime[1] = w.ftLastWriteTime.dwHighDateTime;
+    d.nFileSizeHigh = w.nFileSizeHigh;
+    d.nFileSizeLow = w.nFileSizeLow;
+    d.dwReserved0 = w.dwReserved0;
+    d.dwReserved1 = w.dwReserved1;
+    if (WideCharToMultiByte(CP_UTF8, 0, w.cFileName, -1, d.cFileName,
+                            static_cast<int>(sizeof d.cFileName), nullptr, nullptr) <= 0)
+        return false;
+    WideCharToMultiByte(CP_UTF8, 0, w.cAlternateFileName, -1, d.cAlternateFileName,
+                        static_cast<int>(sizeof d.cAlternateFileName), nullptr, nullptr);
+    *data = d;
+    return true;
+}
+
+} // namespace
+
+void* FindFirstFileU(const char* utf8_pattern, ubFindData* data) {
+    if (!data) {
+        errno = EINVAL;
+        return UB_INVALID_HANDLE;
+    }
+    HANDLE h = INVALID_HANDLE_VALUE;
+    WIN32_FIND_DATAW w;
+    const int ok = with_wide(utf8_pattern, [&](const wchar_t* wide) {
+        h = FindFirstFileW(wide, &w);
+        return h == INVALID_HANDLE_VALUE ? -1 : 0;
+    });
+    if (ok != 0)
+        return UB_INVALID_HANDLE;
+    while (!to_narrow_record(w, data)) {
+        if (!FindNextFileW(h, &w)) {
+            FindClose(h);
+            errno = ENOENT;
+            return UB_INVALID_HANDLE;
+        }
+    }
+    return h;
+}
+
+int FindNextFileU(void* handle, ubFindData* data) {
+    if (!handle || handle == UB_INVALID_HANDLE || !data) {
+        errno = EINVAL;
+        return 0;
+    }
+    WIN32_FIND_DATAW w;
+    do {
+        if (!FindNextFileW(static_cast<HANDLE>(handle), &w))
+            return 0;
+    } while (!to_narrow_record(w, data));
+    return 1;
+}
+
+int FindCloseU(void* handle) {
+    if (!handle || handle == UB_INVALID_HANDLE)
+        return 0;
+    return FindClose(static_cast<HANDLE>(handle)) ? 1 : 0;
+}

@@ -19,8 +19,8 @@ TEST(coSet, AddsEachValueOnce) {
     EXPECT_FALSE(s.contains("a"));
 }
 
-// Wild sizing arguments are clamped, never allocated as given.
-TEST(coSet, SizingArgumentsAreClamped) {
+// Sizing hints are only hints: any values give a working set.
+TEST(coSet, SizingHintsOfAnyValueAreHarmless) {
     const int args[][2] = {{-5, 0}, {31, 100000}, {0, -1}};
     for (const auto& a : args) {
         SCOPED_TRACE(testing::Message() << a[0] << " " << a[1]);

@@ -54,4 +54,34 @@ UB_API int MessageBoxU(void* owner, const char* text, const char* caption, unsig
 UB_API long SHGetFolderPathU(void* owner, int folder, void* token, unsigned long flags, char* path);
 #endif
 
+// The narrow find-data record of FindFirstFileU and FindNextFileU, laid out as the
+// platform's narrow WIN32_FIND_DATA; cFileName is the entry's name in UTF-8. POSIX fills
+// the name, dwFileAttributes (0x10 for a directory, else 0x80) and the size fields.
+struct ubFindData {
+    unsigned int dwFileAttributes;
+    unsigned int ftCreationTime[2];
+    unsigned int ftLastAccessTime[2];
+    unsigned int ftLastWriteTime[2];
+    unsigned int nFileSizeHigh;
+    unsigned int nFileSizeLow;
+    unsigned int dwReserved0;
+    unsigned int dwReserved1;
+    char cFileName[260];
+    char cAlternateFileName[14];
+};
+
+// The search handle of a failed FindFirstFileU, as INVALID_HANDLE_VALUE.
+#define UB_INVALID_HANDLE ((void*)(~(unsigned long long)0))
+
+// Starts a listing of `utf8_pattern` (a directory joined with a wildcard name, such as
+// "dir/*") and fills `data` with its first entry: the search handle, or
+// UB_INVALID_HANDLE (errno set) when nothing matches or the directory cannot be read.
+// Entries come in the system's order, "." and ".." included. An entry whose UTF-8 name
+// does not fit in cFileName is passed over. POSIX matches the wildcard name with fnmatch.
+UB_API void* FindFirstFileU(const char* utf8_pattern, ubFindData* data);
+// The next entry: non-zero when `data` was filled, 0 at the end or on error.
+UB_API int FindNextFileU(void* handle, ubFindData* data);
+// Ends a listing; non-zero on success. UB_INVALID_HANDLE and null give 0.
+UB_API int FindCloseU(void* handle);
+
 #endif // UB_GLYPHS_H
