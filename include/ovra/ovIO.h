@@ -16,8 +16,8 @@
 //   r R string with control characters made visible (\t \n \r, others as <code>)
 //   %   a single "%";  any other letter is written as it stands, with its "%".
 // Each field is cut at 1023 characters (so widths and precisions above 1023 act as
-// 1023). A parenthesised specification of ten or more characters terminates the process at
-// once (a bounds failure, kept on purpose); one that the format ends inside is written
+// 1023). Ten or more characters between the parentheses terminate the process at
+// once (a bounds failure, kept on purpose); parentheses the format ends inside are written
 // as text. A format ending in a lone "%" writes the "%" and stops.
 //
 // Input: `get_c`, `get_s` (a line with its line end made a single "\n") and `readline`,

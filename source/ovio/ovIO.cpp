@@ -258,29 +258,29 @@ void ovIO::pass_args(const char* format, va_list args) {
         int width = 0, precision = 0;
         bool plus = false;
         if (*q == '(') {
-            char spec[10];
+            char sizes[10];
             size_t n = 0;
             const char* s = q + 1;
             for (; *s && *s != ')'; ++s) {
-                if (n == sizeof spec) // no room for the terminator: a bounds failure
+                if (n == sizeof sizes) // no room for the terminator: a bounds failure
                     ovra_internal::bounds_failure();
-                spec[n++] = *s;
+                sizes[n++] = *s;
             }
             if (!*s) { // the format ended inside: the "%" is ordinary text
                 run = p;
                 ++p;
                 continue;
             }
-            if (n == sizeof spec)
+            if (n == sizeof sizes)
                 ovra_internal::bounds_failure();
-            spec[n] = 0;
-            const char* digits = spec;
+            sizes[n] = 0;
+            const char* digits = sizes;
             if (*digits == '+') {
                 plus = true;
                 ++digits;
             }
             width = std::atoi(digits);
-            if (const char* dot = std::strchr(spec, '.'))
+            if (const char* dot = std::strchr(sizes, '.'))
                 precision = std::atoi(dot + 1);
             // A field is cut at 1023 characters, so nothing wider changes what is
             // written, and some runtimes fail on huge widths.
