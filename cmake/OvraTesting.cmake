@@ -14,7 +14,7 @@ if(OVRA_BUILD_TESTS AND NOT TARGET GTest::gtest_main)
         set(BUILD_SHARED_LIBS OFF)
         set(INSTALL_GTEST OFF CACHE BOOL "" FORCE)
         # SYSTEM: its headers must not trip our -Werror.
-        add_subdirectory("${OVRA_GTEST_SOURCE_DIR}" "${CMAKE_BINARY_DIR}/_googletest"
+        add_subdirectory("${OVRA_GTEST_SOURCE_DIR}" "${PROJECT_BINARY_DIR}/_googletest"
             EXCLUDE_FROM_ALL SYSTEM)
         foreach(t IN ITEMS gtest gtest_main gmock gmock_main)
             if(TARGET ${t})

@@ -1,5 +1,6 @@
 // UB_API marks the public symbols of the glyphs shared library.
-// Define UB_BUILDING only while compiling glyphs itself; users define nothing.
+// Define UB_BUILDING only while compiling glyphs itself; a static build of glyphs
+// defines UB_STATIC for its users (the build does it); otherwise users define nothing.
 // Predefining UB_API, or using an unsupported compiler, is a build error.
 #ifndef UB_EXPORT_H
 #define UB_EXPORT_H
@@ -8,7 +9,9 @@
 #error "UB_API must come from ub/ubExport.h only"
 #endif
 
-#if defined(_WIN32)
+#if defined(UB_STATIC)
+#define UB_API
+#elif defined(_WIN32)
 #if defined(UB_BUILDING)
 #define UB_API __declspec(dllexport)
 #else

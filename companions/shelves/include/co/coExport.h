@@ -1,5 +1,6 @@
 // CO_API marks the public symbols of the shelves shared library.
-// Define CO_BUILDING only while compiling shelves itself; users define nothing.
+// Define CO_BUILDING only while compiling shelves itself; a static build of shelves
+// defines CO_STATIC for its users (the build does it); otherwise users define nothing.
 // Predefining CO_API, or using an unsupported compiler, is a build error.
 #ifndef CO_EXPORT_H
 #define CO_EXPORT_H
@@ -8,7 +9,9 @@
 #error "CO_API must come from co/coExport.h only"
 #endif
 
-#if defined(_WIN32)
+#if defined(CO_STATIC)
+#define CO_API
+#elif defined(_WIN32)
 #if defined(CO_BUILDING)
 #define CO_API __declspec(dllexport)
 #else
