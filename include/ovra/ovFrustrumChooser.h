@@ -6,8 +6,8 @@
 /// takes an operations pointer and is given null asks a temporary chooser. Each accessor
 /// owns one process-wide instance, built on the first call of that accessor only (asking
 /// for one interface builds no other) and never destroyed, so that calls from static
-/// destructors at process exit still find it. All choosers share
-/// the same instances; the caller never deletes what an accessor returns.
+/// destructors at process exit still find it. All choosers share the same instances;
+/// the caller never deletes what an accessor returns.
 ///
 /// The platform's own implementations are returned: the `ovWin…` classes on Windows,
 /// the `ovPosix…` ones elsewhere. First-use construction is thread-safe.

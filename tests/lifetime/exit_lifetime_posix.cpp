@@ -8,6 +8,7 @@
 #include "ovra/ovPathName.h"
 #include "ovra/ovStringEncoding.h"
 #include "ovra/ovStringParse.h"
+#include "ovra/ovSystemOperations.h"
 
 #include <cstdio>
 #include <cstring>
@@ -44,6 +45,10 @@ int use_the_library(const char* when) {
     const ovIFileOperations* files = ovFrustrumChooser(nullptr).file_operations();
     expect(files && files->type_of_path(ovPathName(OVSTRING("."))) == ovPATH_DIRECTORY,
            "the default file operations answer");
+    ovCriticalSection section(nullptr);
+    { ovCriticalSectionLocker locker(&section); }
+    expect(!ovFrustrumChooser(nullptr).system_info_operations()->computer_name().empty(),
+           "computer name");
     return failures;
 }
 

@@ -1,0 +1,37 @@
+// The chooser hands out one object per interface, the same from every chooser.
+#include "ovra/ovDynamicLibrary.h"
+#include "ovra/ovFrustrumChooser.h"
+#include "ovra/ovStringEncoding.h"
+#include "ovra/ovSystemOperations.h"
+
+#include <gtest/gtest.h>
+
+#include <thread>
+#include <vector>
+
+TEST(FrustrumChooser, EveryChooserGivesTheSameObjects) {
+    const ovFrustrumChooser plain(nullptr);
+    const ovFrustrumChooser with_encoding(ovStringOsEncodingChooser().os_encoding());
+    EXPECT_EQ(plain.system_info_operations(), with_encoding.system_info_operations());
+    EXPECT_EQ(plain.process_thread_operations(), with_encoding.process_thread_operations());
+    EXPECT_EQ(plain.library_loader_operations(), with_encoding.library_loader_operations());
+    EXPECT_EQ(plain.process_environment_operations(),
+              with_encoding.process_environment_operations());
+    EXPECT_EQ(plain.synch_operations(), with_encoding.synch_operations());
+    EXPECT_EQ(plain.synch_operations(), plain.synch_operations());
+    EXPECT_NE(plain.synch_operations(), nullptr);
+    EXPECT_NE(plain.library_loader_operations(), nullptr);
+}
+
+TEST(FrustrumChooser, ThreadsAskingAtOnceGetOneObject) {
+    std::vector<const void*> seen(8);
+    std::vector<std::thread> threads;
+    for (size_t i = 0; i < seen.size(); ++i)
+        threads.emplace_back([&seen, i] {
+            seen[i] = ovFrustrumChooser(nullptr).process_environment_operations().get();
+        });
+    for (std::thread& t : threads)
+        t.join();
+    for (const void* p : seen)
+        EXPECT_EQ(p, seen[0]);
+}
