@@ -1,5 +1,5 @@
 // Internal: the chooser's platform half for every interface but files, and the record of
-// which of those defaults were built.
+// which defaults were built.
 //
 // The platform files (win/, posix/) name the implementation of each interface; this is
 // the only place outside the chooser that knows them. Each default lives in a
@@ -25,6 +25,7 @@ enum ChooserDefault : unsigned {
     CHOSEN_LIBRARY_LOADER = 1u << 2,
     CHOSEN_PROCESS_ENVIRONMENT = 1u << 3,
     CHOSEN_SYNCH = 1u << 4,
+    CHOSEN_FILES = 1u << 5,
 };
 
 // Records that the default `which` has been built.

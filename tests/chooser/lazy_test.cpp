@@ -26,6 +26,7 @@ TEST(FrustrumChooserLazy, AskingForOneBuildsNoOther) {
          [](const ovFrustrumChooser& c) { c.library_loader_operations(); }},
         {"environment", CHOSEN_PROCESS_ENVIRONMENT,
          [](const ovFrustrumChooser& c) { c.process_environment_operations(); }},
+        {"files", CHOSEN_FILES, [](const ovFrustrumChooser& c) { c.file_operations(); }},
     };
     for (const auto& s : steps) {
         SCOPED_TRACE(s.what);

@@ -1,6 +1,10 @@
 #include "ut/utString.h"
 
+#include <cmath>
 #include <cstring>
+#include <locale>
+#include <sstream>
+#include <string>
 #include <utility>
 
 namespace {
@@ -93,6 +97,21 @@ utString utString::substr(size_t pos, size_t len) const {
     std::memcpy(p, m_str + pos, len);
     p[len] = '\0';
     return utString(utPTR_CLAIM, p);
+}
+
+bool utString::parse(double& value) const {
+    if (empty())
+        return false;
+    std::istringstream in(std::string(m_str, m_len));
+    in.imbue(std::locale::classic());
+    double v = 0;
+    if (!(in >> v) || !std::isfinite(v))
+        return false;
+    in >> std::ws;
+    if (!in.eof())
+        return false;
+    value = v;
+    return true;
 }
 
 bool operator==(const utString& a, const utString& b) noexcept {

@@ -142,6 +142,28 @@ TEST(utString, SubstrClampsToTheText) {
     EXPECT_STREQ(utString("abc").substr(1).c_str(), "bc");
 }
 
+TEST(utString, ParseReadsWholeDecimalNumbers) {
+    const struct {
+        const char* text;
+        double value;
+    } good[] = {{"12.9", 12.9}, {"-4", -4}, {" 1e3 ", 1000}, {"0", 0}, {"+.5", 0.5}};
+    for (const auto& c : good) {
+        SCOPED_TRACE(c.text);
+        double v = -1;
+        EXPECT_TRUE(utString(c.text).parse(v));
+        EXPECT_DOUBLE_EQ(v, c.value);
+    }
+    const char* const bad[] = {"", " ", "abc", "12abc", "1.2.3", "1,5", "inf", "nan", "1e999"};
+    for (const char* text : bad) {
+        SCOPED_TRACE(text);
+        double v = 7;
+        EXPECT_FALSE(utString(text).parse(v));
+        EXPECT_EQ(v, 7); // untouched
+    }
+    double v = 7;
+    EXPECT_FALSE(utString().parse(v));
+}
+
 } // namespace
 
 TEST(utString, FindModifyAndTrailingChars) {

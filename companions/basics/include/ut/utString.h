@@ -49,6 +49,11 @@ public:
     // text, so any values are safe. The null state gives the null state.
     utString substr(size_t pos, size_t len = static_cast<size_t>(-1)) const;
 
+    // Reads the whole text as a decimal number ("12.9", "-4", "1e3"; spaces
+    // around it allowed; '.' is the decimal point whatever the locale). False,
+    // with `value` untouched, for null, empty, partial or out-of-range text.
+    bool parse(double& value) const;
+
 private:
     const char* m_str;
     size_t m_len;
