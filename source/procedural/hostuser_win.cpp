@@ -6,9 +6,11 @@
 
 #include "procedural/hostuser_platform.h"
 
-#include "ub/ubGlyphs.h"
-
+// Lean <windows.h> first, so that the sockets header below is the only one.
 #include "common/win32.h"
+
+#include "ub/ubGlyphs.h"
+#include "ub/ubWindows.h"
 
 #include <direct.h>
 #include <lmaccess.h>
@@ -44,7 +46,7 @@ bool widened(UINT page, const char* text, std::wstring& out) {
 // page into out (256 bytes): the bytes written with the NUL, or 0.
 int full_name_from_controller(const std::wstring& user, const std::wstring& domain, char* out) {
     // Loaded once and kept: the functions stay in use for the life of the process.
-    static HMODULE netapi = static_cast<HMODULE>(LoadLibraryU("NETAPI32.DLL"));
+    static HMODULE netapi = LoadLibraryU("NETAPI32.DLL");
     if (!netapi)
         return 0;
     const auto get_dc_name = lookup<NetGetDCNameFn>(netapi, "NetGetDCName");

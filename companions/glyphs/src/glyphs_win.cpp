@@ -239,12 +239,3 @@ int LookupAccountSidU(const char* system, void* sid, char* name, unsigned long* 
         *use = static_cast<int>(kind);
     return 1;
 }
-
-void* LoadLibraryU(const char* utf8_name) {
-    std::wstring wide;
-    if (!utf8_name || !to_wide(utf8_name, wide)) {
-        SetLastError(ERROR_INVALID_PARAMETER);
-        return nullptr;
-    }
-    return LoadLibraryW(wide.c_str());
-}

@@ -116,13 +116,3 @@ TEST(LookupAccountSidU, NamesAWellKnownAccount) {
               0);
     FreeSid(everyone);
 }
-
-TEST(LoadLibraryU, LoadsByUtf8Name) {
-    void* kernel = LoadLibraryU("kernel32.dll");
-    EXPECT_NE(kernel, nullptr);
-    if (kernel)
-        FreeLibrary(static_cast<HMODULE>(kernel));
-    EXPECT_EQ(LoadLibraryU("ovra-no-such-library.dll"), nullptr);
-    EXPECT_EQ(LoadLibraryU("\xFF.dll"), nullptr);
-    EXPECT_EQ(LoadLibraryU(nullptr), nullptr);
-}

@@ -63,9 +63,6 @@ UB_API int GetUserNameU(char* name, unsigned long* size);
 // lengths written without the NUL. `use` (a SID_NAME_USE) may be null. Nonzero on success.
 UB_API int LookupAccountSidU(const char* system, void* sid, char* name, unsigned long* name_size,
                              char* domain, unsigned long* domain_size, int* use);
-
-// LoadLibraryW with a UTF-8 name; the HMODULE, or null (GetLastError tells why).
-UB_API void* LoadLibraryU(const char* utf8_name);
 #endif
 
 #endif // UB_GLYPHS_H
