@@ -18,7 +18,8 @@
 ! Compile this file with your program (gfortran -c ovra.f90) and link
 ! libovra. `id`, `itype` and `date` may be omitted where C accepts null.
 module ovra
-    use, intrinsic :: iso_c_binding, only: c_char, c_int, c_long, c_null_char
+    use, intrinsic :: iso_c_binding, only: c_char, c_int, c_long, c_null_char, c_double, &
+                                           c_ptr, c_funptr
     implicit none
     private
 
@@ -28,6 +29,12 @@ module ovra
     public :: ov_unlink_c, g_system_c
     public :: fcusta, fcsize, fcusiz, fcumkd, fcudel, fcuddl, fcudat, fcdate, iochsl
     public :: fc_env_variable, ov_open2, ov_unlink, g_system
+    ! Host, user, arguments, dates and breaks (ovra/ovHostUser.h).
+    public :: ncha_c, ccase_c, ovghnm_c, ovghtp_c, ovgtun_c, argget_c, ovdate_c, ddate_c
+    public :: ovchdir_c, argsgi, nargq, timedp, ovwait, ovbreakhandler, ovbreakchecker
+    public :: ovbrks, ovra_interrupt, ovbrkq, ovbrkn, ovbrkc, ov_break_query
+    public :: ov_querying_break, ov_sse2_support, ov_random, ovwinversion, ovislocallogonnt
+    public :: ncha, ccase, ovghnm, ovghtp, ovgtun, argget, ovdate, ddate, ovchdir
 
     ! Longest prepared path, in characters.
     integer, parameter, public :: ov_max_path = 1024
@@ -177,6 +184,152 @@ module ovra
             integer(c_int), value :: fd, origin
             integer(c_long), value :: offset
         end function
+
+        ! Host, user, arguments, dates and breaks.
+        integer(c_int) function ncha_c(text, text_len) bind(C, name="ncha")
+            import :: c_char, c_int
+            character(kind=c_char), intent(in) :: text(*)
+            integer(c_int), value :: text_len
+        end function
+
+        subroutine ccase_c(text, text_len, mode) bind(C, name="ccase")
+            import :: c_char, c_int
+            character(kind=c_char), intent(inout) :: text(*)
+            integer(c_int), value :: text_len
+            integer(c_int), intent(in) :: mode
+        end subroutine
+
+        subroutine ovghnm_c(buf, buf_len, n) bind(C, name="ovghnm")
+            import :: c_char, c_int
+            character(kind=c_char), intent(out) :: buf(*)
+            integer(c_int), value :: buf_len
+            integer(c_int), intent(out) :: n
+        end subroutine
+
+        subroutine ovghtp_c(buf, buf_len, n) bind(C, name="ovghtp")
+            import :: c_char, c_int
+            character(kind=c_char), intent(out) :: buf(*)
+            integer(c_int), value :: buf_len
+            integer(c_int), intent(out) :: n
+        end subroutine
+
+        subroutine ovgtun_c(user, user_len, full, full_len) bind(C, name="ovgtun")
+            import :: c_char, c_int
+            character(kind=c_char), intent(out) :: user(*)
+            integer(c_int), value :: user_len
+            character(kind=c_char), intent(out) :: full(*)
+            integer(c_int), value :: full_len
+        end subroutine
+
+        ! The library keeps the address of argv: give it an array that lives on
+        ! (a saved or module array of c_loc's of NUL-terminated texts).
+        subroutine argsgi(argc, argv) bind(C, name="argsgi")
+            import :: c_int, c_ptr
+            integer(c_int), value :: argc
+            type(c_ptr), intent(in) :: argv(*)
+        end subroutine
+
+        subroutine nargq(n) bind(C, name="nargq")
+            import :: c_int
+            integer(c_int), intent(out) :: n
+        end subroutine
+
+        ! Writes the argument and, when it fits, a NUL; the rest is untouched.
+        subroutine argget_c(index, buf, buf_len, n) bind(C, name="argget")
+            import :: c_char, c_int
+            integer(c_int), intent(in) :: index
+            character(kind=c_char), intent(inout) :: buf(*)
+            integer(c_int), value :: buf_len
+            integer(c_int), intent(out) :: n
+        end subroutine
+
+        subroutine timedp(t) bind(C, name="timedp")
+            import :: c_double
+            real(c_double), intent(out) :: t
+        end subroutine
+
+        subroutine ovdate_c(buf, buf_len) bind(C, name="ovdate")
+            import :: c_char, c_int
+            character(kind=c_char), intent(inout) :: buf(*)
+            integer(c_int), value :: buf_len
+        end subroutine
+
+        subroutine ddate_c(buf, buf_len) bind(C, name="ddate")
+            import :: c_char, c_int
+            character(kind=c_char), intent(inout) :: buf(*)
+            integer(c_int), value :: buf_len
+        end subroutine
+
+        subroutine ovwait(ms) bind(C, name="ovwait")
+            import :: c_int
+            integer(c_int), intent(in) :: ms
+        end subroutine
+
+        integer(c_int) function ovchdir_c(dir) bind(C, name="ovchdir")
+            import :: c_char, c_int
+            character(kind=c_char), intent(in) :: dir(*)
+        end function
+
+        ! handler: c_funloc of a bind(C) subroutine taking integer(c_int), value;
+        ! c_null_funptr removes it.
+        subroutine ovbreakhandler(handler) bind(C, name="OvBreakHandler")
+            import :: c_funptr
+            type(c_funptr), value :: handler
+        end subroutine
+
+        ! checker: c_funloc of a bind(C) subroutine taking type(c_ptr), value.
+        subroutine ovbreakchecker(checker, data) bind(C, name="OvBreakChecker")
+            import :: c_funptr, c_ptr
+            type(c_funptr), value :: checker
+            type(c_ptr), value :: data
+        end subroutine
+
+        subroutine ovbrks(value) bind(C, name="ovbrks")
+            import :: c_int
+            integer(c_int), intent(in) :: value
+        end subroutine
+
+        subroutine ovra_interrupt(signal_number) bind(C, name="ovra_interrupt")
+            import :: c_int
+            integer(c_int), value :: signal_number
+        end subroutine
+
+        subroutine ovbrkq(count) bind(C, name="ovbrkq")
+            import :: c_int
+            integer(c_int), intent(out) :: count
+        end subroutine
+
+        subroutine ovbrkn(count) bind(C, name="ovbrkn")
+            import :: c_int
+            integer(c_int), intent(out) :: count
+        end subroutine
+
+        subroutine ovbrkc() bind(C, name="ovbrkc")
+        end subroutine
+
+        integer(c_int) function ov_break_query() bind(C, name="ov_break_query")
+            import :: c_int
+        end function
+
+        integer(c_int) function ov_querying_break() bind(C, name="ov_querying_break")
+            import :: c_int
+        end function
+
+        integer(c_int) function ov_sse2_support() bind(C, name="ov_sse2_support")
+            import :: c_int
+        end function
+
+        real(c_double) function ov_random() bind(C, name="ov_random")
+            import :: c_double
+        end function
+
+        integer(c_int) function ovwinversion() bind(C, name="ovWinVersion")
+            import :: c_int
+        end function
+
+        integer(c_int) function ovislocallogonnt() bind(C, name="ovIsLocalLogonNT")
+            import :: c_int
+        end function
     end interface
 
 contains
@@ -276,5 +429,61 @@ contains
     integer(c_int) function g_system(command)
         character(*), intent(in) :: command
         g_system = g_system_c(trim(command) // c_null_char)
+    end function
+
+    integer(c_int) function ncha(text)
+        character(*), intent(in) :: text
+        ncha = ncha_c(text, len(text))
+    end function
+
+    subroutine ccase(text, mode)
+        character(*), intent(inout) :: text
+        integer(c_int), intent(in) :: mode
+        call ccase_c(text, len(text), mode)
+    end subroutine
+
+    subroutine ovghnm(buf, n)
+        character(*), intent(out) :: buf
+        integer(c_int), intent(out) :: n
+        call ovghnm_c(buf, len(buf), n)
+    end subroutine
+
+    subroutine ovghtp(buf, n)
+        character(*), intent(out) :: buf
+        integer(c_int), intent(out) :: n
+        call ovghtp_c(buf, len(buf), n)
+    end subroutine
+
+    subroutine ovgtun(user, full)
+        character(*), intent(out) :: user, full
+        call ovgtun_c(user, len(user), full, len(full))
+    end subroutine
+
+    ! Argument `index` (0 is the program) into buf, blank-padded; n = its length,
+    ! 0 for an index outside the arguments.
+    subroutine argget(index, buf, n)
+        integer(c_int), intent(in) :: index
+        character(*), intent(out) :: buf
+        integer(c_int), intent(out) :: n
+        buf = ' '
+        call argget_c(index, buf, len(buf), n)
+        if (n < len(buf)) buf(n + 1:) = ' '
+    end subroutine
+
+    ! The asctime text: 24 characters and a newline (achar(10)); the NUL only
+    ! when buf holds 26 characters or more.
+    subroutine ovdate(buf)
+        character(*), intent(inout) :: buf
+        call ovdate_c(buf, len(buf))
+    end subroutine
+
+    subroutine ddate(buf)
+        character(*), intent(inout) :: buf
+        call ddate_c(buf, len(buf))
+    end subroutine
+
+    integer(c_int) function ovchdir(dir)
+        character(*), intent(in) :: dir
+        ovchdir = ovchdir_c(trim(dir) // c_null_char)
     end function
 end module ovra

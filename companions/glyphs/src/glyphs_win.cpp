@@ -197,6 +197,13 @@ bool to_narrow_record(const WIN32_FIND_DATAW& w, ubFindData* data) {
     return true;
 }
 
+// The wide text as UTF-8 into out (size bytes); the bytes written with the NUL, or 0.
+int to_utf8(const wchar_t* wide, char* out, unsigned long size) {
+    if (!out || size == 0 || size > static_cast<unsigned long>(INT_MAX))
+        return 0;
+    return WideCharToMultiByte(CP_UTF8, 0, wide, -1, out, static_cast<int>(size), nullptr, nullptr);
+}
+
 } // namespace
 
 void* FindFirstFileU(const char* utf8_pattern, ubFindData* data) {
@@ -239,4 +246,57 @@ int FindCloseU(void* handle) {
     if (!handle || handle == UB_INVALID_HANDLE)
         return 0;
     return FindClose(static_cast<HANDLE>(handle)) ? 1 : 0;
+}
+
+int GetUserNameU(char* name, unsigned long* size) {
+    if (!name || !size || *size == 0) {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return 0;
+    }
+    wchar_t wide[257] = {};
+    DWORD count = 257;
+    if (!GetUserNameW(wide, &count))
+        return 0;
+    const int n = to_utf8(wide, name, *size);
+    if (n <= 0) {
+        name[0] = '\0';
+        SetLastError(ERROR_INSUFFICIENT_BUFFER);
+        return 0;
+    }
+    *size = static_cast<unsigned long>(n);
+    return 1;
+}
+
+int LookupAccountSidU(const char* system, void* sid, char* name, unsigned long* name_size,
+                      char* domain, unsigned long* domain_size, int* use) {
+    if (!sid || !name || !name_size || !domain || !domain_size || *name_size == 0 ||
+        *domain_size == 0) {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return 0;
+    }
+    std::wstring wide_system;
+    if (system && !to_wide(system, wide_system)) {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return 0;
+    }
+    wchar_t wide_name[257] = {};
+    wchar_t wide_domain[257] = {};
+    DWORD name_count = 257, domain_count = 257;
+    SID_NAME_USE kind = SidTypeUnknown;
+    if (!LookupAccountSidW(system ? wide_system.c_str() : nullptr, static_cast<PSID>(sid),
+                           wide_name, &name_count, wide_domain, &domain_count, &kind))
+        return 0;
+    const int n = to_utf8(wide_name, name, *name_size);
+    const int d = to_utf8(wide_domain, domain, *domain_size);
+    if (n <= 0 || d <= 0) {
+        name[0] = '\0';
+        domain[0] = '\0';
+        SetLastError(ERROR_INSUFFICIENT_BUFFER);
+        return 0;
+    }
+    *name_size = static_cast<unsigned long>(n - 1);
+    *domain_size = static_cast<unsigned long>(d - 1);
+    if (use)
+        *use = static_cast<int>(kind);
+    return 1;
 }

@@ -52,6 +52,17 @@ UB_API int MessageBoxU(void* owner, const char* text, const char* caption, unsig
 // bytes; `owner` is an HWND and `token` a HANDLE, both may be null. Returns the HRESULT;
 // a path whose UTF-8 form does not fit fails with E_FAIL and leaves "".
 UB_API long SHGetFolderPathU(void* owner, int folder, void* token, unsigned long flags, char* path);
+
+// GetUserNameW with the name written as UTF-8 into `name`, which holds *size bytes. On
+// success returns nonzero and *size = the bytes written with the NUL; a name that does
+// not fit fails with ERROR_INSUFFICIENT_BUFFER.
+UB_API int GetUserNameU(char* name, unsigned long* size);
+
+// LookupAccountSidW with UTF-8 names: `system` may be null (the local system), `sid` is a
+// PSID; `name` and `domain` hold *name_size and *domain_size bytes, which become the
+// lengths written without the NUL. `use` (a SID_NAME_USE) may be null. Nonzero on success.
+UB_API int LookupAccountSidU(const char* system, void* sid, char* name, unsigned long* name_size,
+                             char* domain, unsigned long* domain_size, int* use);
 #endif
 
 // The narrow find-data record of FindFirstFileU and FindNextFileU, laid out as the
