@@ -46,6 +46,6 @@ TEST(ovContainers, PathListsAndArrays) {
     EXPECT_EQ(names.size(), 1);
     EXPECT_EQ(names.at(1), nullptr);
 
-    ovStringFormatSpecifiercoDynArr specs(2);
-    EXPECT_TRUE(specs[0].invalid());
+    ovStringFormatSpecifiercoDynArr specifiers(2);
+    EXPECT_TRUE(specifiers[0].invalid());
 }
