@@ -149,6 +149,7 @@ TEST_F(IOTest, ASpecificationOfTenCharactersEndsTheProcess) {
     io.put_s("%(123456789)d|", 1); // nine are fine
     EXPECT_EQ(joined().back(), '|');
     EXPECT_DEATH(io.put_s("%(1234567890)d", 1), "");
+    EXPECT_DEATH(io.put_s("%(1234567890"), "") << "the ten are copied before the end is seen";
 }
 
 TEST_F(IOTest, PrintFunctionsCaptureOnlyTheGlobalOutput) {
