@@ -29,10 +29,10 @@ std::string tame(std::string format) {
         if (q < format.size() && format[q] == '(') {
             const size_t close = format.find(')', q + 1);
             if (close == std::string::npos) {
-                // Written as text, once the scan has found no ")"; ten characters
-                // copied on the way end the process all the same.
-                if (format.size() - q - 1 >= 10)
-                    format.resize(q + 10);
+                // Written as text, once the scan has found no ")"; an eleventh
+                // character copied on the way ends the process all the same.
+                if (format.size() - q - 1 > 10)
+                    format.resize(q + 11);
                 continue;
             }
             if (close - q - 1 >= 10)

@@ -17,9 +17,10 @@
 ///   r R string with control characters made visible (`\t` `\n` `\r`, others as `<code>`)
 ///   %   a single "%";  any other letter is written as it stands, with its "%".
 /// Each field is cut at 1023 characters (so widths and precisions above 1023 act as
-/// 1023). Ten or more characters after "(" terminate the process at once, whether a ")"
-/// follows or not (a bounds failure, kept on purpose); shorter parentheses the format ends
-/// inside are written as text. A format ending in a lone "%" writes the "%" and stops.
+/// 1023). Ten or more characters between the parentheses terminate the process at once
+/// (a bounds failure, kept on purpose), and so do eleven after a "(" that is never closed;
+/// shorter parentheses the format ends inside are written as text. A format ending in a lone "%"
+/// writes the "%" and stops.
 ///
 /// Input: `get_c`, `get_s` (a line with its line end made a single "\n") and `readline`,
 /// which splits a line into fields and converts each by a letter (see below).
