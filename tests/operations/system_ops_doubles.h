@@ -6,6 +6,10 @@
 #include "ovra/ovDynamicLibrary.h"
 #include "ovra/ovSystemOperations.h"
 
+#include "ut/utUnitTest.h"
+
+#include <gtest/gtest.h>
+
 #include <atomic>
 #include <chrono>
 #include <map>
@@ -13,6 +17,15 @@
 #include <thread>
 
 namespace ovtest {
+
+// Runs a suite and prints its report when the outcome is not the one expected.
+inline void expect_outcome(utUnitTest& suite, bool expect_pass) {
+    const bool passed = suite.execute();
+    if (passed != expect_pass)
+        suite.report(stdout);
+    EXPECT_EQ(passed, expect_pass) << suite.name();
+    EXPECT_GT(suite.passed() + suite.failed(), 0) << suite.name();
+}
 
 class FixedSysInfo final : public ovISysInfoOperations {
 public:

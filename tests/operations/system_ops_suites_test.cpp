@@ -13,14 +13,7 @@
 
 namespace {
 
-// Runs the suite and prints its report when the outcome is not the one expected.
-void expect_outcome(utUnitTest& suite, bool expect_pass) {
-    const bool passed = suite.execute();
-    if (passed != expect_pass)
-        suite.report(stdout);
-    EXPECT_EQ(passed, expect_pass) << suite.name();
-    EXPECT_GT(suite.passed() + suite.failed(), 0) << suite.name();
-}
+using ovtest::expect_outcome;
 
 const ovFrustrumChooser chooser(nullptr);
 

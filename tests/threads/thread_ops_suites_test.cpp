@@ -7,17 +7,7 @@
 
 #include <gtest/gtest.h>
 
-namespace {
-
-void expect_outcome(utUnitTest& suite, bool expect_pass) {
-    const bool passed = suite.execute();
-    if (passed != expect_pass)
-        suite.report(stdout);
-    EXPECT_EQ(passed, expect_pass) << suite.name();
-    EXPECT_GT(suite.passed() + suite.failed(), 0) << suite.name();
-}
-
-} // namespace
+using ovtest::expect_outcome;
 
 TEST(SynchOpsTester, PassesRealNoSynchAndDoubleFailsBrokenAndNull) {
     const ovNoSynchOperations none;
