@@ -156,13 +156,15 @@ private:
 };
 
 /// Reserved for applications: the library gives it a constructor only, which zeroes its
-/// fields and initialises ovHighResTime.
+/// fields and initialises ovHighResTime. A derived class may give the fields a meaning.
 class OV_API ovChronometer {
 public:
     /// Zeroes the fields; initialises the clock.
     ovChronometer();
 
-private:
+protected:
+    /// Zero; the library gives it no meaning.
     int m_state;
+    /// Zeros; the library gives them no meaning.
     int64_t m_marks[3];
 };
