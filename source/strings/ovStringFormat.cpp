@@ -864,9 +864,43 @@ int ovStringFormatter::calculate_num_specifiers(const ovString& fmt) const {
 ovString ovStringFormatter::format_with_list(const ovString& fmt, ovStringFormatArgs& args) const {
     const unsigned int* t = fmt.convert(ovSTRING_UTF32);
     const size_t len = fmt.length();
-    const size_t n = count_specifiers(t, len);
-    if (n == 0) // the text itself, shared; never failed
+    const size_t first = find_percent(t, 0, len);
+    if (first >= len) // the text itself, shared; never failed
         return fmt.invalid() ? ovString(ovSTRING_EMPTY) : ovString(fmt);
+
+    if (!numbered(t, len, first)) {
+        // Not positional: each specifier is rendered in its place as the walk
+        // reaches it, since index order is then text order, and the pieces go
+        // straight to the output. A numbered specifier here renders the error
+        // text and takes no argument.
+        ovStringFormatSpecifier::Out out;
+        size_t k = 0;
+        size_t s = 0;
+        bool recount = false;
+        for (size_t i = first; i < len; i = find_percent(t, s, len)) {
+            out.codes(t + s, i - s);
+            ovStringFormatSpecifier field;
+            s = field.parse(t, len, i);
+            // A specifier that ends in a "%" of its own ("%5%") is where the
+            // count of "%" signs and the specifiers parsed can part.
+            recount = recount || (field.m_conversion == '%' && s - i > 2);
+            if (field.m_has_position)
+                error(out);
+            else
+                field.render(out, args);
+            ++k;
+        }
+        out.codes(t + s, len - s);
+        // Slots counted but never parsed come after the tail, each showing the
+        // error text.
+        if (recount) {
+            for (const size_t n = count_specifiers(t, len); k < n; ++k)
+                error(out);
+        }
+        return make_string(out.data(), out.size());
+    }
+
+    const size_t n = count_specifiers(t, len);
 
     SmallArray<Range, 17> pieces(n + 1, Range{0, 0});
     SmallArray<ovStringFormatSpecifier, 16> fields(n, ovStringFormatSpecifier());
