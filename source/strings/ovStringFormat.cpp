@@ -881,9 +881,10 @@ ovString ovStringFormatter::format_with_list(const ovString& fmt, ovStringFormat
             out.codes(t + s, i - s);
             ovStringFormatSpecifier field;
             s = field.parse(t, len, i);
-            // A specifier that ends in a "%" of its own ("%5%") is where the
-            // count of "%" signs and the specifiers parsed can part.
-            recount = recount || (field.m_conversion == '%' && s - i > 2);
+            // A specifier whose scan ended at a "%" other than its second
+            // character ("%5%", "%.x%") is where the count of "%" signs and
+            // the specifiers parsed can part.
+            recount = recount || (t[s - 1] == '%' && s - i > 2);
             if (field.m_has_position)
                 error(out);
             else
