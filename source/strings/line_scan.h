@@ -5,7 +5,11 @@
 // byte at a time, with the same result.
 #pragma once
 
+#include "strings/utf_codec.h"
+
 #include <cstddef>
+#include <cstdint>
+#include <cstring>
 
 #if defined(__SSE2__) || defined(_M_X64) || (defined(_M_IX86_FP) && _M_IX86_FP >= 2)
 #define OVRA_LINE_SCAN_SSE2 1
@@ -46,6 +50,27 @@ inline unsigned widen16(const unsigned char* p, unsigned int* out) noexcept {
     }
     return stop;
 #endif
+}
+
+// The character of a well-formed multibyte sequence at p, by the lead table's
+// rules, without a branch on its length; p[0] is 0x80 or above and p[0, 4)
+// may be read. 0 when the bytes are not a well-formed sequence: the caller
+// then reads them the converter's way. `length` receives the announced byte
+// count (0 for a byte that starts nothing).
+inline unsigned int well_formed_at(const unsigned char* p, unsigned& length) noexcept {
+    const Utf8Lead& lead = kUtf8.lead[p[0]];
+    length = static_cast<unsigned>(lead.announced + 1);
+    uint32_t w;
+    std::memcpy(&w, p, 4); // p[0] in the low byte
+    // The bytes after the second that the lead announces, each 0x80..0xBF.
+    static const uint32_t kTail[5] = {0, 0, 0, 0xC0u << 16, 0xC0C0u << 16};
+    const unsigned b1 = (w >> 8) & 0xFFu;
+    if (length < 2 || !utf8_second_ok(lead, b1) ||
+        (w & kTail[length]) != (kTail[length] & 0x80808080u))
+        return 0;
+    const unsigned int all = ((w & lead.bits) << 18) | ((b1 & 0x3Fu) << 12) |
+                             (((w >> 16) & 0x3Fu) << 6) | ((w >> 24) & 0x3Fu);
+    return all >> (6 * (4 - length));
 }
 
 } // namespace ovra_internal

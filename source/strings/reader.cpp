@@ -294,6 +294,15 @@ ovString ovStringReaderUTF8::read_line(std::istream& is, int& status) {
             }
             const unsigned int b = *p;
             if (b >= 0x80) {
+                if (e - p >= 4) {
+                    unsigned announced;
+                    const unsigned int c = ovra_internal::well_formed_at(p, announced);
+                    if (c) {
+                        p += announced;
+                        *w++ = c;
+                        continue;
+                    }
+                }
                 const int length = ovra_internal::kUtf8.lead[b].announced + 1;
                 if (length == 0) { // starts nothing
                     ++p;

@@ -333,6 +333,8 @@ TEST(ovStringReaderUTF8, ReadLineAgreesWithReadingCharacterByCharacter) {
                                   "\xC1",
                                   "\xC3",
                                   "\xE2\x82",
+                                  "\xF0\x9F",
+                                  "\xF0\x9F\x98",
                                   "\xED\xA0\x80",
                                   "\xF4\x90\x80\x80",
                                   "\xF5",
