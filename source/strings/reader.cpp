@@ -207,6 +207,10 @@ public:
     unsigned int* room(unsigned int* w, size_t need) {
         return static_cast<size_t>(m_end - w) >= need ? w : grow(w, need);
     }
+    // Code points that fit after w.
+    size_t room_after(const unsigned int* w) const noexcept {
+        return static_cast<size_t>(m_end - w);
+    }
     // A valid string of the code points before w, empty when there are none.
     ovString text(const unsigned int* w) const {
         const size_t n = static_cast<size_t>(w - m_begin);
@@ -276,68 +280,74 @@ ovString ovStringReaderUTF8::read_line(std::istream& is, int& status) {
         const unsigned char* p = reinterpret_cast<const unsigned char*>(begin);
         const unsigned char* const e = reinterpret_cast<const unsigned char*>(end);
         enum { kMore, kDone, kCut } how = kMore; // kCut: a character or CR LF runs past e
-        while (p < e) {
+        while (how == kMore && p < e) {
+            // Each byte gives at most one code point: up to `safe` there is
+            // room for a whole block after every character.
             w = line.room(w, 17);
-            if (e - p >= 16) {
-                const unsigned stop = ovra_internal::widen16(p, w);
-                if (!stop) {
-                    p += 16;
-                    w += 16;
-                    continue;
-                }
-                const unsigned k = ovra_internal::lowest_bit64(stop);
-                p += k;
-                w += k;
-            } else if (ovra_internal::is_plain_line_byte(*p)) {
-                *w++ = *p++;
-                continue;
-            }
-            const unsigned int b = *p;
-            if (b >= 0x80) {
-                if (e - p >= 4) {
-                    unsigned announced;
-                    const unsigned int c = ovra_internal::well_formed_at(p, announced);
-                    if (c) {
-                        p += announced;
-                        *w++ = c;
+            const size_t ahead = line.room_after(w) - 16;
+            const unsigned char* const safe = static_cast<size_t>(e - p) > ahead ? p + ahead : e;
+            while (p < safe) {
+                if (e - p >= 16) {
+                    const unsigned stop = ovra_internal::widen16(p, w);
+                    if (!stop) {
+                        p += 16;
+                        w += 16;
                         continue;
                     }
+                    const unsigned k = ovra_internal::lowest_bit64(stop);
+                    p += k;
+                    w += k;
+                } else if (ovra_internal::is_plain_line_byte(*p)) {
+                    *w++ = *p++;
+                    continue;
                 }
-                const int length = ovra_internal::kUtf8.lead[b].announced + 1;
-                if (length == 0) { // starts nothing
-                    ++p;
-                    status = 1;
-                    how = kDone;
-                    break;
+                const unsigned int b = *p;
+                if (b >= 0x80) {
+                    if (e - p >= 4) {
+                        unsigned announced;
+                        const unsigned int c = ovra_internal::well_formed_at(p, announced);
+                        if (c) {
+                            p += announced;
+                            *w++ = c;
+                            continue;
+                        }
+                    }
+                    const int length = ovra_internal::kUtf8.lead[b].announced + 1;
+                    if (length == 0) { // starts nothing
+                        ++p;
+                        status = 1;
+                        how = kDone;
+                        break;
+                    }
+                    if (e - p < length) {
+                        how = kCut;
+                        break;
+                    }
+                    // The converter's own reading of exactly the announced bytes,
+                    // as read_char decodes them.
+                    const char* q = reinterpret_cast<const char*>(p);
+                    bool exact;
+                    const unsigned int c = ovra_internal::Utf8::read(q, q + length, exact);
+                    p += length;
+                    if (ends_line(c)) {
+                        how = kDone;
+                        break;
+                    }
+                    *w++ = c;
+                    continue;
                 }
-                if (e - p < length) {
-                    how = kCut;
-                    break;
+                if (b == '\r') {
+                    if (e - p < 2) {
+                        how = kCut;
+                        break;
+                    }
+                    p += p[1] == '\n' ? 2 : 1;
+                } else {
+                    ++p; // LF, or NUL, which reads as the end
                 }
-                // The converter's own reading of exactly the announced bytes,
-                // as read_char decodes them.
-                const char* q = reinterpret_cast<const char*>(p);
-                bool exact;
-                const unsigned int c = ovra_internal::Utf8::read(q, q + length, exact);
-                p += length;
-                if (ends_line(c)) {
-                    how = kDone;
-                    break;
-                }
-                *w++ = c;
-                continue;
+                how = kDone;
+                break;
             }
-            if (b == '\r') {
-                if (e - p < 2) {
-                    how = kCut;
-                    break;
-                }
-                p += p[1] == '\n' ? 2 : 1;
-            } else {
-                ++p; // LF, or NUL, which reads as the end
-            }
-            how = kDone;
-            break;
         }
         ovra_internal::GetArea::take(
             buf, static_cast<size_t>(p - reinterpret_cast<const unsigned char*>(begin)));
