@@ -266,9 +266,12 @@ double scale(double x, int e) noexcept {
 // so the result is the platform's floor(log10(a)) without the call.
 int floor_log10(double a) noexcept {
     if (a >= 1e-306 && a < 1e308) {
-        int e2;
-        std::frexp(a, &e2); // a = m * 2^e2, 0.5 <= m < 1
-        int k = static_cast<int>(std::floor((e2 - 1) * 0.30102999566398120));
+        // a is normal here: its binary exponent is in its bits, a = m * 2^e2
+        // with 1 <= m < 2 (what frexp gives, less one, without the call).
+        uint64_t bits;
+        std::memcpy(&bits, &a, sizeof bits);
+        const int e2 = static_cast<int>((bits >> 52) & 0x7FF) - 1023;
+        int k = static_cast<int>(std::floor(e2 * 0.30102999566398120));
         while (k < 307 && a >= kPow10[k + 1 + 307])
             ++k;
         while (k > -306 && a < kPow10[k + 307])
