@@ -194,8 +194,8 @@ OVRA_NOINLINE unsigned int read_utf8_rest(std::istream& is, int b, int& status) 
 
 namespace {
 
-// A line's code points as they are read: the first 1024 on the stack, longer
-// lines on the heap; copied once into the result.
+// A line's code points as they are read: the first 512 on the stack (a frame that stays under a
+// page), longer lines on the heap; copied once into the result.
 class LineText {
 public:
     LineText() noexcept : m_begin(m_stack), m_end(m_stack + kStack) {}
@@ -222,7 +222,7 @@ public:
     }
 
 private:
-    static const size_t kStack = 1024;
+    static const size_t kStack = 512;
 
     unsigned int* grow(unsigned int* w, size_t need) {
         const size_t used = static_cast<size_t>(w - m_begin);
