@@ -372,8 +372,10 @@ bool numbered(const unsigned int* t, size_t len, size_t i) noexcept {
 // Blanks or zeros in front of a body of `body` characters up to the width,
 // with the sign: leftmost with zeros, next to the body with blanks, in front
 // when there is no room. The sign is part of the width.
-void pad(CodeBuffer& out, int width, bool zeros, size_t body, bool negative) {
+inline void pad(CodeBuffer& out, int width, bool zeros, size_t body, bool negative) {
     const size_t w = static_cast<size_t>(width);
+    if (body >= w && !negative) // the usual field: nothing in front
+        return;
     if (body < w) {
         const size_t n = w - body;
         if (zeros) {
@@ -420,6 +422,14 @@ inline size_t ovStringFormatSpecifier::parse(const unsigned int* t, size_t len, 
 // Reads code points where the text was once read as UTF-8 bytes: the same
 // result, since every character looked for is ASCII. Past the end reads as 0.
 void ovStringFormatSpecifier::read(const unsigned int* q, size_t n) noexcept {
+    if (n == 2 && q[1] < 0x80 && !ovra_internal::is_ascii_digit(q[1]) && q[1] != '.') {
+        // A bare conversion ("%d", "%s"): nothing else to read.
+        m_conversion = static_cast<char>(q[1]);
+        m_width = m_zero_pad = m_precision_given = m_precision = 0;
+        m_has_position = m_position = 0;
+        m_invalid = false;
+        return;
+    }
     const unsigned int* p = q + (n > 0 ? 1 : 0);
     const unsigned int* const e = q + n;
     int width = 0, zero_pad = 0, precision_given = 0, precision = 0;
