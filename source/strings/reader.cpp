@@ -190,10 +190,6 @@ OVRA_NOINLINE unsigned int read_utf8_rest(std::istream& is, int b, int& status) 
     return codes[0];
 }
 
-} // namespace
-
-namespace {
-
 // A line's code points as they are read: the first 512 on the stack (a frame that stays under a
 // page), longer lines on the heap; copied once into the result.
 class LineText {
