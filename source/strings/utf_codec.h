@@ -290,7 +290,12 @@ size_t convert(const typename R::unit* src, size_t n, typename W::unit* dst, siz
     return static_cast<size_t>(o - dst);
 }
 
-// ConvertUTF's conversions from code points, with their fast paths.
+// ConvertUTF's conversions with their fast paths; each gives exactly what
+// convert<R, W> gives, which is what proves them.
+size_t utf8_to_utf16(const char* src, size_t n, ovChar16* dst, size_t cap, bool& exact);
+size_t utf8_to_utf32(const char* src, size_t n, unsigned int* dst, size_t cap, bool& exact);
+size_t utf16_to_utf8(const ovChar16* src, size_t n, char* dst, size_t cap, bool& exact);
+size_t utf16_to_utf32(const ovChar16* src, size_t n, unsigned int* dst, size_t cap, bool& exact);
 size_t utf32_to_utf8(const unsigned int* src, size_t n, char* dst, size_t cap, bool& exact);
 size_t utf32_to_utf16(const unsigned int* src, size_t n, ovChar16* dst, size_t cap, bool& exact);
 
