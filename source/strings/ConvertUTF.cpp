@@ -442,6 +442,19 @@ inline bool has_surrogate(simd::V128 x) {
     return simd::masked_equal16(x, 0xF800, 0xD800) != 0;
 }
 
+// True when every surrogate of a group is half of a whole pair inside it;
+// `highs` then marks the first halves.
+inline bool whole_pairs(simd::V128 x, unsigned& highs) {
+    highs = simd::masked_equal16(x, 0xFC00, 0xD800);
+    return (highs << 1) == simd::masked_equal16(x, 0xFC00, 0xDC00);
+}
+
+inline unsigned int pair_at(const ovChar16* p) {
+    return (((static_cast<uint16_t>(p[0]) - 0xD800u) << 10) |
+            (static_cast<uint16_t>(p[1]) & 0x3FFu)) +
+           0x10000u;
+}
+
 template <class W> size_t count_utf16(const ovChar16* src, size_t n, bool& exact) {
     exact = true;
     if (!src)
@@ -452,16 +465,20 @@ template <class W> size_t count_utf16(const ovChar16* src, size_t n, bool& exact
     size_t count = 0;
     while (end - p >= 8) {
         const simd::V128 x = simd::load(p);
-        if (has_surrogate(x)) {
+        unsigned highs = 0;
+        if (has_surrogate(x) && !whole_pairs(x, highs)) {
             for (const ovChar16* const stop = p + 8; p < stop;) {
                 last = Utf16::read(p, end, exact);
                 count += W::size(last);
             }
             continue;
         }
-        count += 8;
+        // A pair is one code point: 4 bytes where its two units counted 6.
         if (sizeof(typename W::unit) == 1)
-            count += popcount64(simd::at_least16(x, 0x80) | (simd::at_least16(x, 0x800) << 8));
+            count += 8 - 2 * popcount64(highs) +
+                     popcount64(simd::at_least16(x, 0x80) | (simd::at_least16(x, 0x800) << 8));
+        else
+            count += 8 - popcount64(highs);
         p += 8;
         last = static_cast<uint16_t>(p[-1]);
     }
@@ -499,7 +516,8 @@ size_t utf16_to_utf8(const ovChar16* src, size_t n, char* dst, size_t cap, bool&
                 continue;
             }
         }
-        if (has_surrogate(x)) {
+        unsigned highs = 0;
+        if (has_surrogate(x) && !whole_pairs(x, highs)) {
             for (const ovChar16* const stop = p + 8; p < stop;) {
                 last = Utf16::read(p, end, exact);
                 Utf8::store(last, o, oend, exact);
@@ -507,8 +525,12 @@ size_t utf16_to_utf8(const ovChar16* src, size_t n, char* dst, size_t cap, bool&
             continue;
         }
         for (int i = 0; i < 8; ++i) {
-            const unsigned int c = static_cast<uint16_t>(p[i]);
-            const size_t k = (c >= 0x80) + (c >= 0x800);
+            unsigned int c = static_cast<uint16_t>(p[i]);
+            size_t k = (c >= 0x80) + (c >= 0x800);
+            if ((highs >> i) & 1) {
+                c = pair_at(p + i++);
+                k = 3;
+            }
             const uint32_t w = utf8_word(c, k);
             std::memcpy(o, &w, 4); // little-endian: the first byte lowest
             o += k + 1;
@@ -532,17 +554,34 @@ size_t utf16_to_utf32(const ovChar16* src, size_t n, unsigned int* dst, size_t c
     unsigned int last = kReplacement;
     while (end - p >= 8 && oend - o >= 8) {
         const simd::V128 x = simd::load(p);
-        if (has_surrogate(x)) {
+        if (!has_surrogate(x)) {
+            simd::widen16_to32(x, o);
+            o += 8;
+        } else if (unsigned highs; whole_pairs(x, highs)) {
+            for (int i = 0; i < 8; ++i)
+                *o++ = (highs >> i) & 1 ? pair_at(p + i++) : static_cast<uint16_t>(p[i]);
+        } else {
             for (const ovChar16* const stop = p + 8; p < stop;)
                 *o++ = last = Utf16::read(p, end, exact);
             continue;
         }
-        simd::widen16_to32(x, o);
         p += 8;
-        o += 8;
         last = static_cast<uint16_t>(p[-1]);
     }
     return finish<Utf16, Utf32>(p, end, dst, o, oend, last, exact);
+}
+
+size_t first_zero(const unsigned int* p, size_t n) {
+    size_t i = 0;
+    for (; n - i >= 8; i += 8) {
+        const unsigned zeros = simd::zero_lanes32(simd::load(p + i)) |
+                               (simd::zero_lanes32(simd::load(p + i + 4)) << 4);
+        if (zeros)
+            return i + lowest_bit64(zeros);
+    }
+    while (i < n && p[i])
+        ++i;
+    return i;
 }
 
 // Code points to UTF-8 or UTF-16, which never meet bad input: the only loss
@@ -551,23 +590,30 @@ size_t utf16_to_utf32(const ovChar16* src, size_t n, unsigned int* dst, size_t c
 // unaligned word of which only its own units count.
 namespace {
 
-// How many of 16 code points exceed each limit (at most 3 limits).
-template <size_t N>
-unsigned count_above16(const unsigned int* src, const unsigned int (&limits)[N]) {
-    uint64_t bits = 0;
-    for (int g = 0; g < 4; ++g) {
-        const simd::V128 x = simd::load(src + 4 * g);
-        for (size_t j = 0; j < N; ++j)
-            bits |= uint64_t(simd::above32(x, limits[j])) << (4 * (N * g + j));
-    }
-    return popcount64(bits);
-}
-
+// The units needed for n code points: n plus one for each limit a code point
+// is above, counted in the lanes of a vector.
 template <size_t N>
 size_t count_from_utf32(const unsigned int* src, size_t n, const unsigned int (&limits)[N]) {
     size_t count = n, i = 0;
-    for (; n - i >= 16; i += 16)
-        count += count_above16(src + i, limits);
+    while (n - i >= 16) {
+        simd::V128 acc = simd::zero32();
+        // Each lane adds at most N per round, far below its limit.
+        const size_t stop = i + std::min<size_t>((n - i) & ~size_t(15), size_t(1) << 20);
+        for (; i < stop; i += 16) {
+            using namespace simd;
+            const V128 a = load(src + i), b = load(src + i + 4), c = load(src + i + 8),
+                       d = load(src + i + 12);
+            if (above32(or128(or128(a, b), or128(c, d)), limits[0]) == 0)
+                continue; // none above the lowest limit
+            for (size_t j = 0; j < N; ++j) {
+                acc = add_above32(acc, a, limits[j]);
+                acc = add_above32(acc, b, limits[j]);
+                acc = add_above32(acc, c, limits[j]);
+                acc = add_above32(acc, d, limits[j]);
+            }
+        }
+        count += simd::sum32(acc);
+    }
     for (; i < n; ++i)
         for (size_t j = 0; j < N; ++j)
             count += src[i] > limits[j];
@@ -582,7 +628,7 @@ size_t utf32_to_utf8(const unsigned int* src, size_t n, char* dst, size_t cap, b
     if (!src)
         n = 0;
     if (!dst || cap == 0) {
-        static const unsigned int limits[3] = {0x7F, 0x7FF, 0xFFFF};
+        static constexpr unsigned int limits[3] = {0x7F, 0x7FF, 0xFFFF};
         return count_from_utf32(src, n, limits);
     }
     char* o = dst;
@@ -619,7 +665,7 @@ size_t utf32_to_utf16(const unsigned int* src, size_t n, ovChar16* dst, size_t c
     if (!src)
         n = 0;
     if (!dst || cap == 0) {
-        static const unsigned int limits[1] = {0xFFFF};
+        static constexpr unsigned int limits[1] = {0xFFFF};
         return count_from_utf32(src, n, limits);
     }
     ovChar16* o = dst;

@@ -270,7 +270,7 @@ void ovString::init_utf16(const ovChar16* p, size_t n) {
     const size_t room = count ? count : 1;
     unsigned int* buf = init_text(room - 1);
     cv.utf16_to_utf32(p, n, buf, room);
-    m_length = length_utf32(buf);
+    m_length = ovra_internal::first_zero(buf, room - 1); // an embedded 0 cuts the text
 }
 
 void ovString::init_utf32(const unsigned int* p, size_t n) {

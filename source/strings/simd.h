@@ -118,6 +118,31 @@ inline V128 or128(V128 a, V128 b) {
     return {_mm_or_si128(a.v, b.v)};
 }
 
+// Per-lane counts of 32-bit values above a limit: start from zero32(), add
+// with add_above32 (at most 2^32 - 1 times), read with sum32.
+inline V128 zero32() {
+    return {_mm_setzero_si128()};
+}
+
+inline V128 add_above32(V128 acc, V128 x, uint32_t limit) {
+    const __m128i flip = _mm_set1_epi32(static_cast<int>(0x80000000u));
+    const __m128i t = _mm_cmpgt_epi32(_mm_xor_si128(x.v, flip),
+                                      _mm_set1_epi32(static_cast<int>(limit ^ 0x80000000u)));
+    return {_mm_sub_epi32(acc.v, t)};
+}
+
+inline uint64_t sum32(V128 acc) {
+    uint32_t lanes[4];
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(lanes), acc.v);
+    return uint64_t(lanes[0]) + lanes[1] + lanes[2] + lanes[3];
+}
+
+// Lanes of 32-bit zeros: one bit per lane.
+inline unsigned zero_lanes32(V128 x) {
+    return static_cast<unsigned>(
+        _mm_movemask_ps(_mm_castsi128_ps(_mm_cmpeq_epi32(x.v, _mm_setzero_si128()))));
+}
+
 #else // the portable form: the same answers, one lane at a time
 
 struct V128 {
@@ -223,6 +248,29 @@ inline V128 or128(V128 a, V128 b) {
     for (int i = 0; i < 16; ++i)
         a.b[i] |= b.b[i];
     return a;
+}
+
+inline V128 zero32() {
+    return V128{};
+}
+
+inline V128 add_above32(V128 acc, V128 x, uint32_t limit) {
+    for (int i = 0; i < 4; ++i) {
+        const uint32_t n = acc.u32(i) + (x.u32(i) > limit);
+        std::memcpy(acc.b + 4 * i, &n, 4);
+    }
+    return acc;
+}
+
+inline uint64_t sum32(V128 acc) {
+    return uint64_t(acc.u32(0)) + acc.u32(1) + acc.u32(2) + acc.u32(3);
+}
+
+inline unsigned zero_lanes32(V128 x) {
+    unsigned m = 0;
+    for (int i = 0; i < 4; ++i)
+        m |= static_cast<unsigned>(x.u32(i) == 0) << i;
+    return m;
 }
 
 #endif

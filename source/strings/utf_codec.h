@@ -299,6 +299,9 @@ size_t utf16_to_utf32(const ovChar16* src, size_t n, unsigned int* dst, size_t c
 size_t utf32_to_utf8(const unsigned int* src, size_t n, char* dst, size_t cap, bool& exact);
 size_t utf32_to_utf16(const unsigned int* src, size_t n, ovChar16* dst, size_t cap, bool& exact);
 
+// Index of the first 0 among n code points; n when there is none.
+size_t first_zero(const unsigned int* p, size_t n);
+
 // True when n bytes of UTF-8 convert exactly; `count` is then their code
 // points (no terminator counted).
 bool count_exact_utf8(const char* src, size_t n, size_t& count);
