@@ -117,7 +117,8 @@ struct BlockMasks {
     uint64_t eq80, eqE0, eqED, eqF0, eqF4;
 };
 
-inline BlockMasks classify(const unsigned char* p) {
+// Inlined so the loops keep its constants in registers.
+OVRA_ALWAYS_INLINE BlockMasks classify(const unsigned char* p) {
     using namespace simd;
     BlockMasks m{};
     for (int j = 0; j < 4; ++j) {
@@ -246,12 +247,14 @@ struct FastUtf16 {
     typedef Utf16 Writer;
     static void ascii(simd::V128 x, unit* o) { simd::widen8_to16(x, o); }
     static unit* put(unsigned int c, unit* o) {
+        if (c < 0x10000) { // nearly always, so the branch is cheap
+            *o = static_cast<unit>(c);
+            return o + 1;
+        }
         const unsigned int v = c - 0x10000u;
-        const uint32_t pair = (0xD800u | ((v >> 10) & 0x3FFu)) | ((0xDC00u | (v & 0x3FFu)) << 16);
-        const uint32_t two = 0u - static_cast<uint32_t>(c >= 0x10000);
-        const uint32_t w = (pair & two) | (c & ~two);
-        std::memcpy(o, &w, 4);
-        return o + 1 + (c >= 0x10000);
+        o[0] = static_cast<unit>(0xD800u | ((v >> 10) & 0x3FFu));
+        o[1] = static_cast<unit>(0xDC00u | (v & 0x3FFu));
+        return o + 2;
     }
 };
 
@@ -404,6 +407,18 @@ inline uint32_t utf8_word(unsigned int c, size_t k) {
     return (wide & multi) | (c & ~multi);
 }
 
+// Four code points as UTF-8, each written as one word of which only its own
+// bytes count; needs 16 bytes of room.
+inline char* put_utf8_words(simd::V128 x, char* o) {
+    uint32_t words[4], lens[4];
+    simd::utf8_words(x, words, lens);
+    for (int i = 0; i < 4; ++i) {
+        std::memcpy(o, &words[i], 4); // little-endian: the first byte lowest
+        o += lens[i];
+    }
+    return o;
+}
+
 } // namespace
 
 size_t utf8_to_utf16(const char* src, size_t n, ovChar16* dst, size_t cap, bool& exact) {
@@ -524,16 +539,21 @@ size_t utf16_to_utf8(const ovChar16* src, size_t n, char* dst, size_t cap, bool&
             }
             continue;
         }
-        for (int i = 0; i < 8; ++i) {
-            unsigned int c = static_cast<uint16_t>(p[i]);
-            size_t k = (c >= 0x80) + (c >= 0x800);
-            if ((highs >> i) & 1) {
-                c = pair_at(p + i++);
-                k = 3;
+        if (highs) {
+            for (int i = 0; i < 8; ++i) {
+                unsigned int c = static_cast<uint16_t>(p[i]);
+                size_t k = (c >= 0x80) + (c >= 0x800);
+                if ((highs >> i) & 1) {
+                    c = pair_at(p + i++);
+                    k = 3;
+                }
+                const uint32_t w = utf8_word(c, k);
+                std::memcpy(o, &w, 4); // little-endian: the first byte lowest
+                o += k + 1;
             }
-            const uint32_t w = utf8_word(c, k);
-            std::memcpy(o, &w, 4); // little-endian: the first byte lowest
-            o += k + 1;
+        } else {
+            o = put_utf8_words(simd::load32x4_from16(x, false), o);
+            o = put_utf8_words(simd::load32x4_from16(x, true), o);
         }
         p += 8;
         last = static_cast<uint16_t>(p[-1]);
@@ -647,13 +667,8 @@ size_t utf32_to_utf8(const unsigned int* src, size_t n, char* dst, size_t cap, b
                 continue;
             }
         }
-        for (int j = 0; j < 8; ++j) {
-            const unsigned int c = src[i + j];
-            const size_t k = (c >= 0x80) + (c > 0x7FF) + (c > 0xFFFF);
-            const uint32_t w = utf8_word(c, k);
-            std::memcpy(o, &w, 4); // little-endian: the first byte lowest
-            o += k + 1;
-        }
+        o = put_utf8_words(simd::load(src + i), o);
+        o = put_utf8_words(simd::load(src + i + 4), o);
         i += 8;
     }
     const unsigned int last = i ? src[i - 1] : kReplacement;

@@ -137,6 +137,44 @@ inline uint64_t sum32(V128 acc) {
     return uint64_t(lanes[0]) + lanes[1] + lanes[2] + lanes[3];
 }
 
+inline V128 load32x4_from16(V128 x, bool high) {
+    const __m128i z = _mm_setzero_si128();
+    return {high ? _mm_unpackhi_epi16(x.v, z) : _mm_unpacklo_epi16(x.v, z)};
+}
+
+// The UTF-8 forms of four code points, bit by bit with at most 4 bytes: each
+// as a word whose low bytes are its bytes, first lowest, and its byte count.
+inline void utf8_words(V128 x, uint32_t* words, uint32_t* lens) {
+    const __m128i c = x.v;
+    const __m128i flip = _mm_set1_epi32(static_cast<int>(0x80000000u));
+    const __m128i cf = _mm_xor_si128(c, flip);
+    const __m128i k1 = _mm_cmpgt_epi32(cf, _mm_set1_epi32(static_cast<int>(0x7Fu ^ 0x80000000u)));
+    const __m128i k2 = _mm_cmpgt_epi32(cf, _mm_set1_epi32(static_cast<int>(0x7FFu ^ 0x80000000u)));
+    const __m128i k3 = _mm_cmpgt_epi32(cf, _mm_set1_epi32(static_cast<int>(0xFFFFu ^ 0x80000000u)));
+    const __m128i six = _mm_set1_epi32(0x3F);
+    const __m128i lo = _mm_and_si128(c, six);
+    const __m128i mid = _mm_and_si128(_mm_srli_epi32(c, 6), six);
+    const __m128i hi = _mm_and_si128(_mm_srli_epi32(c, 12), six);
+    const __m128i w1 =
+        _mm_or_si128(_mm_or_si128(_mm_and_si128(_mm_srli_epi32(c, 6), _mm_set1_epi32(0x1F)),
+                                  _mm_slli_epi32(lo, 8)),
+                     _mm_set1_epi32(0x80C0));
+    const __m128i w2 =
+        _mm_or_si128(_mm_or_si128(_mm_and_si128(_mm_srli_epi32(c, 12), _mm_set1_epi32(0x0F)),
+                                  _mm_or_si128(_mm_slli_epi32(mid, 8), _mm_slli_epi32(lo, 16))),
+                     _mm_set1_epi32(0x8080E0));
+    const __m128i w3 = _mm_or_si128(
+        _mm_or_si128(_mm_and_si128(_mm_srli_epi32(c, 18), _mm_set1_epi32(0x07)),
+                     _mm_or_si128(_mm_slli_epi32(hi, 8), _mm_slli_epi32(mid, 16))),
+        _mm_or_si128(_mm_slli_epi32(lo, 24), _mm_set1_epi32(static_cast<int>(0x808080F0u))));
+    __m128i w = _mm_or_si128(_mm_and_si128(k1, w1), _mm_andnot_si128(k1, c));
+    w = _mm_or_si128(_mm_and_si128(k2, w2), _mm_andnot_si128(k2, w));
+    w = _mm_or_si128(_mm_and_si128(k3, w3), _mm_andnot_si128(k3, w));
+    const __m128i len = _mm_sub_epi32(_mm_sub_epi32(_mm_sub_epi32(_mm_set1_epi32(1), k1), k2), k3);
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(words), w);
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(lens), len);
+}
+
 // Lanes of 32-bit zeros: one bit per lane.
 inline unsigned zero_lanes32(V128 x) {
     return static_cast<unsigned>(
@@ -264,6 +302,31 @@ inline V128 add_above32(V128 acc, V128 x, uint32_t limit) {
 
 inline uint64_t sum32(V128 acc) {
     return uint64_t(acc.u32(0)) + acc.u32(1) + acc.u32(2) + acc.u32(3);
+}
+
+inline V128 load32x4_from16(V128 x, bool high) {
+    V128 r;
+    for (int i = 0; i < 4; ++i) {
+        const uint32_t u = x.u16(high ? 4 + i : i);
+        std::memcpy(r.b + 4 * i, &u, 4);
+    }
+    return r;
+}
+
+inline void utf8_words(V128 x, uint32_t* words, uint32_t* lens) {
+    static const uint32_t marks[4] = {0, 0x80C0u, 0x8080E0u, 0x808080F0u};
+    for (int i = 0; i < 4; ++i) {
+        const uint32_t c = x.u32(i);
+        const uint32_t k = (c > 0x7F) + (c > 0x7FF) + (c > 0xFFFF);
+        uint32_t w = c;
+        if (k) {
+            w = marks[k] | ((c >> (6 * k)) & ((1u << (6 - k)) - 1u));
+            for (uint32_t j = 1; j <= k; ++j)
+                w |= ((c >> (6 * (k - j))) & 0x3Fu) << (8 * j);
+        }
+        words[i] = w;
+        lens[i] = k + 1;
+    }
 }
 
 inline unsigned zero_lanes32(V128 x) {
