@@ -388,8 +388,50 @@ size_t decode_utf8(const char* src, size_t n, typename W::unit* dst, size_t cap,
             o = W::put(last = decode_at(p + lowest_bit64(starts)), o);
         p += kBlock;
     }
-    const char* resume = reinterpret_cast<const char*>(pending ? pending : p);
-    return finish<Utf8, typename W::Writer>(resume, src + n, dst, o, oend, last, exact);
+    const unsigned char* r = pending ? pending : p;
+    // What is left (all of a short text) is taken a copy of at most one block
+    // at a time: checked, and written at once when there is room for it.
+    if (static_cast<size_t>(end - r) < kBlock + 3 + 4) {
+        while (r < end) {
+            const size_t left = static_cast<size_t>(end - r);
+            const size_t m = std::min(kBlock, left);
+            unsigned char piece[kBlock + 3] = {}; // and the bytes decode_at reads past a start
+            std::memcpy(piece, r, std::min(left, sizeof piece));
+            const uint64_t valid = m == kBlock ? ~uint64_t(0) : (uint64_t(1) << m) - 1;
+            if (!any_high(piece)) { // ASCII, the zeros after it included
+                if (m > static_cast<size_t>(oend - o))
+                    break;
+                for (size_t i = 0; i < m; ++i)
+                    o[i] = static_cast<typename W::unit>(piece[i]);
+                o += m;
+                last = piece[m - 1];
+                r += m;
+                continue;
+            }
+            const BlockMasks mk = classify(piece);
+            BlockCarry fresh; // r is where a character starts
+            uint64_t covered;
+            if (check_block(mk, fresh, covered) & valid)
+                break;
+            uint64_t starts = ~covered & valid;
+            size_t next = m;
+            if ((covered & ~valid) || fresh.cover) { // the last character runs past the piece
+                if (left == m)
+                    break; // cut short by the end of the text: the rules say how
+                const uint64_t leads = mk.geC0 >> 61;
+                next = 61 + ((leads & 4) ? 2 : (leads & 2) ? 1 : 0);
+                starts &= ~(uint64_t(1) << next);
+            }
+            const size_t units = popcount64(starts) + popcount64(starts & mk.geF0);
+            if (units > static_cast<size_t>(oend - o))
+                break;
+            for (; starts; starts &= starts - 1)
+                o = W::put(last = decode_at(piece + lowest_bit64(starts)), o);
+            r += next;
+        }
+    }
+    return finish<Utf8, typename W::Writer>(reinterpret_cast<const char*>(r), src + n, dst, o, oend,
+                                            last, exact);
 }
 
 } // namespace
@@ -407,17 +449,30 @@ inline uint32_t utf8_word(unsigned int c, size_t k) {
     return (wide & multi) | (c & ~multi);
 }
 
-// Four code points as UTF-8, each written as one word of which only its own
-// bytes count; needs 16 bytes of room.
-inline char* put_utf8_words(simd::V128 x, char* o) {
-    uint32_t words[4], lens[4];
-    simd::utf8_words(x, words, lens);
-    for (int i = 0; i < 4; ++i) {
-        std::memcpy(o, &words[i], 4); // little-endian: the first byte lowest
-        o += lens[i];
+// Eight code points as UTF-8, each written as one word of which only its own
+// bytes count. Worked out first, so that a group writes only when the room
+// left takes its bytes and the 3 a word may write past them.
+struct Utf8Group {
+    uint32_t words[8], lens[8];
+    size_t bytes;
+
+    Utf8Group(simd::V128 a, simd::V128 b) {
+        simd::utf8_words(a, words, lens);
+        simd::utf8_words(b, words + 4, lens + 4);
+        bytes =
+            size_t(lens[0]) + lens[1] + lens[2] + lens[3] + lens[4] + lens[5] + lens[6] + lens[7];
     }
-    return o;
-}
+    bool fits(const char* o, const char* end) const {
+        return bytes + 3 <= static_cast<size_t>(end - o);
+    }
+    char* put(char* o) const {
+        for (int i = 0; i < 8; ++i) {
+            std::memcpy(o, &words[i], 4); // little-endian: the first byte lowest
+            o += lens[i];
+        }
+        return o;
+    }
+};
 
 } // namespace
 
@@ -517,9 +572,9 @@ size_t utf16_to_utf8(const ovChar16* src, size_t n, char* dst, size_t cap, bool&
     char* o = dst;
     const char* const oend = dst + cap;
     unsigned int last = kReplacement;
-    // Eight units give at most 24 bytes, and one more pair may end a group:
-    // with 32 bytes of room nothing is cut.
-    while (end - p >= 8 && oend - o >= 32) {
+    // Groups with surrogates need room for the worst case: 24 bytes, and one
+    // more pair may end a group.
+    while (end - p >= 8 && oend - o >= 16) {
         const simd::V128 x = simd::load(p);
         if (end - p >= 16) {
             const simd::V128 y = simd::load(p + 8);
@@ -531,29 +586,35 @@ size_t utf16_to_utf8(const ovChar16* src, size_t n, char* dst, size_t cap, bool&
                 continue;
             }
         }
+        if (!has_surrogate(x)) {
+            const Utf8Group g(simd::load32x4_from16(x, false), simd::load32x4_from16(x, true));
+            if (!g.fits(o, oend))
+                break;
+            o = g.put(o);
+            p += 8;
+            last = static_cast<uint16_t>(p[-1]);
+            continue;
+        }
+        if (oend - o < 32)
+            break;
         unsigned highs = 0;
-        if (has_surrogate(x) && !whole_pairs(x, highs)) {
+        if (!whole_pairs(x, highs)) {
             for (const ovChar16* const stop = p + 8; p < stop;) {
                 last = Utf16::read(p, end, exact);
                 Utf8::store(last, o, oend, exact);
             }
             continue;
         }
-        if (highs) {
-            for (int i = 0; i < 8; ++i) {
-                unsigned int c = static_cast<uint16_t>(p[i]);
-                size_t k = (c >= 0x80) + (c >= 0x800);
-                if ((highs >> i) & 1) {
-                    c = pair_at(p + i++);
-                    k = 3;
-                }
-                const uint32_t w = utf8_word(c, k);
-                std::memcpy(o, &w, 4); // little-endian: the first byte lowest
-                o += k + 1;
+        for (int i = 0; i < 8; ++i) {
+            unsigned int c = static_cast<uint16_t>(p[i]);
+            size_t k = (c >= 0x80) + (c >= 0x800);
+            if ((highs >> i) & 1) {
+                c = pair_at(p + i++);
+                k = 3;
             }
-        } else {
-            o = put_utf8_words(simd::load32x4_from16(x, false), o);
-            o = put_utf8_words(simd::load32x4_from16(x, true), o);
+            const uint32_t w = utf8_word(c, k);
+            std::memcpy(o, &w, 4); // little-endian: the first byte lowest
+            o += k + 1;
         }
         p += 8;
         last = static_cast<uint16_t>(p[-1]);
@@ -654,8 +715,7 @@ size_t utf32_to_utf8(const unsigned int* src, size_t n, char* dst, size_t cap, b
     char* o = dst;
     const char* const oend = dst + cap;
     size_t i = 0;
-    // Eight at a time while even eight 4-byte characters fit.
-    while (n - i >= 8 && oend - o >= 32) {
+    while (n - i >= 8 && oend - o >= 16) {
         if (n - i >= 16) {
             using namespace simd;
             const V128 a = load(src + i), b = load(src + i + 4), c = load(src + i + 8),
@@ -667,8 +727,10 @@ size_t utf32_to_utf8(const unsigned int* src, size_t n, char* dst, size_t cap, b
                 continue;
             }
         }
-        o = put_utf8_words(simd::load(src + i), o);
-        o = put_utf8_words(simd::load(src + i + 4), o);
+        const Utf8Group g(simd::load(src + i), simd::load(src + i + 4));
+        if (!g.fits(o, oend))
+            break;
+        o = g.put(o);
         i += 8;
     }
     const unsigned int last = i ? src[i - 1] : kReplacement;
