@@ -316,6 +316,27 @@ void decode_exact_utf8(const char* src, size_t n, unsigned int* dst) {
     dst[k] = 0;
 }
 
+bool widen_ascii(const char* src, size_t n, unsigned int* dst32, ovChar16* dst16) {
+    const unsigned char* p = reinterpret_cast<const unsigned char*>(src);
+    size_t i = 0;
+    for (; n - i >= kBlock; i += kBlock) {
+        if (any_high(p + i))
+            return false;
+        for (size_t j = 0; j < kBlock; j += 16) {
+            const simd::V128 x = simd::load(p + i + j);
+            simd::widen8_to32(x, dst32 + i + j);
+            simd::widen8_to16(x, dst16 + i + j);
+        }
+    }
+    for (; i < n; ++i) {
+        if (p[i] >= 0x80)
+            return false;
+        dst32[i] = p[i];
+        dst16[i] = static_cast<ovChar16>(p[i]);
+    }
+    return true;
+}
+
 namespace {
 
 // The reading loop of a whole conversion from where a fast loop stopped: reads

@@ -299,6 +299,10 @@ size_t utf16_to_utf32(const ovChar16* src, size_t n, unsigned int* dst, size_t c
 size_t utf32_to_utf8(const unsigned int* src, size_t n, char* dst, size_t cap, bool& exact);
 size_t utf32_to_utf16(const unsigned int* src, size_t n, ovChar16* dst, size_t cap, bool& exact);
 
+// Copies n bytes of ASCII into both forms; false (and the outputs unfinished)
+// as soon as a byte is not ASCII.
+bool widen_ascii(const char* src, size_t n, unsigned int* dst32, ovChar16* dst16);
+
 // Index of the first 0 among n code points; n when there is none.
 size_t first_zero(const unsigned int* p, size_t n);
 
