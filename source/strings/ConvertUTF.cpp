@@ -660,8 +660,16 @@ size_t utf16_to_utf32(const ovChar16* src, size_t n, unsigned int* dst, size_t c
             simd::widen16_to32(x, o);
             o += 8;
         } else if (unsigned highs; whole_pairs(x, highs)) {
-            for (int i = 0; i < 8; ++i)
-                *o++ = (highs >> i) & 1 ? pair_at(p + i++) : static_cast<uint16_t>(p[i]);
+            // No branch per unit: the second half of a pair is written and then
+            // written over.
+            const unsigned lows = highs << 1;
+            for (int i = 0; i < 8; ++i) {
+                const unsigned int u = static_cast<uint16_t>(p[i]);
+                const unsigned int next = i < 7 ? static_cast<uint16_t>(p[i + 1]) : 0u;
+                const unsigned int pair = (((u - 0xD800u) << 10) | (next & 0x3FFu)) + 0x10000u;
+                *o = (highs >> i) & 1 ? pair : u;
+                o += 1 - ((lows >> i) & 1);
+            }
         } else {
             for (const ovChar16* const stop = p + 8; p < stop;)
                 *o++ = last = Utf16::read(p, end, exact);
@@ -671,6 +679,69 @@ size_t utf16_to_utf32(const ovChar16* src, size_t n, unsigned int* dst, size_t c
         last = static_cast<uint16_t>(p[-1]);
     }
     return finish<Utf16, Utf32>(p, end, dst, o, oend, last, exact);
+}
+
+bool count_exact_utf16(const ovChar16* src, size_t n, size_t& count, bool& zero) {
+    // Exact UTF-16 is every first half of a pair followed by a second half, and
+    // every second half preceded by a first: a test on masks of 16 units.
+    size_t i = 0, pairs = 0;
+    unsigned carry = 0, zeros = 0, bad = 0;
+    // Sixteen units from p, of which the first `valid` count.
+    auto group = [&](const ovChar16* p, unsigned valid) {
+        using namespace simd;
+        const V128 x = load(p), y = load(p + 8);
+        const unsigned highs =
+            (masked_equal16(x, 0xFC00, 0xD800) | (masked_equal16(y, 0xFC00, 0xD800) << 8)) & valid;
+        const unsigned lows =
+            (masked_equal16(x, 0xFC00, 0xDC00) | (masked_equal16(y, 0xFC00, 0xDC00) << 8)) & valid;
+        zeros |= (masked_equal16(x, 0xFFFF, 0) | (masked_equal16(y, 0xFFFF, 0) << 8)) & valid;
+        bad |= lows ^ (((highs << 1) | carry) & valid);
+        carry = (highs & ~(valid >> 1)) != 0; // a first half in the last unit
+        pairs += popcount64(highs);
+    };
+    for (; n - i >= 16; i += 16)
+        group(src + i, 0xFFFF);
+    if (i < n) { // the rest, padded to a whole group
+        ovChar16 rest[16] = {};
+        std::memcpy(rest, src + i, (n - i) * sizeof(ovChar16));
+        group(rest, (1u << (n - i)) - 1);
+    }
+    count = n - pairs;
+    zero = zeros != 0;
+    return (bad | carry) == 0;
+}
+
+void decode_exact_utf16(const ovChar16* src, size_t n, unsigned int* dst) {
+    // Exact text: a first half is always followed by its second, so a group
+    // needs no check, and the pair's second half may lie in the next group.
+    auto group = [&](const ovChar16* p, const ovChar16* after, unsigned valid) {
+        const simd::V128 x = simd::load(p);
+        const unsigned highs = simd::masked_equal16(x, 0xFC00, 0xD800) & valid;
+        const unsigned lows = simd::masked_equal16(x, 0xFC00, 0xDC00) & valid;
+        if ((highs | lows) == 0 && valid == 0xFF) {
+            simd::widen16_to32(x, dst);
+            dst += 8;
+            return;
+        }
+        for (int i = 0; i < 8 && (valid >> i) & 1; ++i) {
+            const unsigned int u = static_cast<uint16_t>(p[i]);
+            const unsigned int next =
+                i < 7 ? static_cast<uint16_t>(p[i + 1])
+                      : ((highs >> 7) & 1 ? static_cast<uint16_t>(after[0]) : 0u);
+            const unsigned int pair = (((u - 0xD800u) << 10) | (next & 0x3FFu)) + 0x10000u;
+            *dst = (highs >> i) & 1 ? pair : u;
+            dst += 1 - ((lows >> i) & 1); // a second half is written over
+        }
+    };
+    size_t i = 0;
+    for (; n - i >= 8; i += 8)
+        group(src + i, src + i + 8, 0xFF);
+    if (i < n) {
+        ovChar16 rest[9] = {}; // and a unit after the group, as every group has
+        std::memcpy(rest, src + i, (n - i) * sizeof(ovChar16));
+        group(rest, rest + 8, (1u << (n - i)) - 1);
+    }
+    *dst = 0;
 }
 
 size_t first_zero(const unsigned int* p, size_t n) {

@@ -274,17 +274,18 @@ void ovString::init_utf16(const ovChar16* p, size_t n) {
     init_null();
     if (!p)
         return;
-    ovOvra::ConvertUTF cv;
-    const size_t count = cv.utf16_to_utf32(p, n, nullptr, 0);
-    if (!cv.was_exact()) {
+    // The counting pass of ConvertUTF, without the "?" it would count for bad
+    // input: here bad input fails the string whatever the count.
+    size_t chars;
+    bool zero;
+    if (!ovra_internal::count_exact_utf16(p, n, chars, zero)) {
         init_failed(kFailedUtf16);
         return;
     }
-    // count holds the terminator, or a 0 read from the text that cuts it.
-    const size_t room = count ? count : 1;
-    unsigned int* buf = init_text(room - 1);
-    cv.utf16_to_utf32(p, n, buf, room);
-    m_length = ovra_internal::first_zero(buf, room - 1); // an embedded 0 cuts the text
+    unsigned int* buf = init_text(chars);
+    ovra_internal::decode_exact_utf16(p, n, buf);
+    if (zero) // an embedded 0 cuts the text
+        m_length = ovra_internal::first_zero(buf, chars);
 }
 
 void ovString::init_utf32(const unsigned int* p, size_t n) {

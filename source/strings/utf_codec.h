@@ -303,6 +303,14 @@ size_t utf32_to_utf16(const unsigned int* src, size_t n, ovChar16* dst, size_t c
 // as soon as a byte is not ASCII.
 bool widen_ascii(const char* src, size_t n, unsigned int* dst32, ovChar16* dst16);
 
+// True when n UTF-16 units convert exactly; `count` is then their code points
+// (no terminator counted) and `zero` says whether one of the units is 0.
+bool count_exact_utf16(const ovChar16* src, size_t n, size_t& count, bool& zero);
+
+// Decodes n units already known to convert exactly into dst, which has room
+// for every code point and the terminator.
+void decode_exact_utf16(const ovChar16* src, size_t n, unsigned int* dst);
+
 // Index of the first 0 among n code points; n when there is none.
 size_t first_zero(const unsigned int* p, size_t n);
 
