@@ -13,6 +13,10 @@
 #endif
 #endif
 
+#if defined(_WIN32)
+#include "common/win32.h" // the system's own converter, as a reference under Windows
+#endif
+
 #if defined(OVRA_BENCH_HAVE_ICU)
 #include <unicode/unistr.h>
 #include <unicode/ustring.h>
@@ -182,7 +186,7 @@ const std::vector<u16text>& utf16_of(int input) {
 }
 
 enum class Op { FromUtf8, ToUtf8, ToUtf16, Utf8ToUtf16, Utf16ToUtf8, FromUtf16, FromUtf8ThenUtf16 };
-enum class Lib { Ovra, Iconv, Icu };
+enum class Lib { Ovra, Iconv, Icu, Win32 };
 
 const char* op_name(Op op) {
     switch (op) {
@@ -213,6 +217,8 @@ const char* lib_name(Op op, Lib lib) {
         return "iconv";
     case Lib::Icu:
         return "ICU";
+    case Lib::Win32:
+        return "Win32";
     }
     return "?";
 }
@@ -311,6 +317,12 @@ bool has_row(Op op, Lib lib) {
 #else
         return false;
 #endif
+    case Lib::Win32:
+#if defined(_WIN32)
+        return op == Op::Utf8ToUtf16 || op == Op::Utf16ToUtf8;
+#else
+        return false;
+#endif
     }
     return false;
 }
@@ -382,6 +394,32 @@ bool convert_one(Op op, Lib lib, int input, size_t i, Sink& sink) {
             cv->run(t.data(), t.size(), 4 * (t.size() + 1), sink);
         else
             cv->run(pre.convert(ovSTRING_UTF32), 4 * pre.length(), 4 * pre.length() + 4, sink);
+        return true;
+    }
+#endif
+#if defined(_WIN32)
+    // Measured first, then converted, as ConvertUTF's callers do.
+    if (lib == Lib::Win32 && op == Op::Utf8ToUtf16) {
+        const int n = static_cast<int>(t.size());
+        const int need =
+            MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, t.data(), n, nullptr, 0);
+        std::unique_ptr<wchar_t[]> out(new wchar_t[static_cast<size_t>(need) + 1]);
+        const int got =
+            MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, t.data(), n, out.get(), need);
+        sink.failed |= got != need || (n > 0 && got == 0);
+        out[static_cast<size_t>(got)] = 0;
+        sink.take(out.get(), 2 * static_cast<size_t>(got));
+        return true;
+    }
+    if (lib == Lib::Win32 && op == Op::Utf16ToUtf8) {
+        const wchar_t* w = reinterpret_cast<const wchar_t*>(u.data());
+        const int n = static_cast<int>(u.size());
+        const int need = WideCharToMultiByte(CP_UTF8, 0, w, n, nullptr, 0, nullptr, nullptr);
+        std::unique_ptr<char[]> out(new char[static_cast<size_t>(need) + 1]);
+        const int got = WideCharToMultiByte(CP_UTF8, 0, w, n, out.get(), need, nullptr, nullptr);
+        sink.failed |= got != need;
+        out[static_cast<size_t>(got)] = 0;
+        sink.take(out.get(), static_cast<size_t>(got));
         return true;
     }
 #endif
@@ -498,7 +536,7 @@ const bool registered = [] {
     for (Op op : {Op::FromUtf8, Op::ToUtf8, Op::ToUtf16, Op::Utf8ToUtf16, Op::Utf16ToUtf8,
                   Op::FromUtf16, Op::FromUtf8ThenUtf16}) {
         for (int input = 0; input < kInputCount; ++input) {
-            for (Lib lib : {Lib::Ovra, Lib::Icu, Lib::Iconv}) {
+            for (Lib lib : {Lib::Ovra, Lib::Icu, Lib::Iconv, Lib::Win32}) {
                 if (!has_row(op, lib))
                     continue;
                 const std::string name =
