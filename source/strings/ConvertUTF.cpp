@@ -221,12 +221,37 @@ struct TailBlock {
     }
 };
 
+// For decoding a character as one word read from its lead byte on: the bits
+// of the word that belong to it (low half) and how far its value is shifted
+// up when read as if it had four bytes (high half).
+struct WordInfo {
+    uint64_t info[256];
+};
+
+constexpr WordInfo make_word_info() {
+    WordInfo t{};
+    for (unsigned b = 0; b < 256; ++b) {
+        const unsigned info = kLeadInfo.info[b];
+        const unsigned extra = info >> 8;
+        uint32_t mask = info & 0xFFu; // the lead's bits, lowest byte first
+        for (unsigned i = 1; i <= extra; ++i)
+            mask |= 0x3Fu << (8 * i);
+        t.info[b] = mask | (uint64_t(6 * (3 - extra)) << 32);
+    }
+    return t;
+}
+
+constexpr WordInfo kWordInfo = make_word_info();
+
 // Decodes the character starting at p, reading 4 bytes whatever its length.
 inline unsigned int decode_at(const unsigned char* p) {
-    const unsigned int info = kLeadInfo.info[p[0]];
-    const unsigned int all = ((p[0] & info & 0xFFu) << 18) | ((p[1] & 0x3Fu) << 12) |
-                             ((p[2] & 0x3Fu) << 6) | (p[3] & 0x3Fu);
-    return all >> (6 * (3 - (info >> 8)));
+    uint32_t w;
+    std::memcpy(&w, p, 4); // little-endian: the lead byte lowest
+    const uint64_t info = kWordInfo.info[p[0]];
+    const uint32_t x = w & static_cast<uint32_t>(info);
+    const uint32_t all =
+        ((x & 0xFFu) << 18) | ((x & 0x3F00u) << 4) | ((x >> 10) & 0xFC0u) | (x >> 24);
+    return all >> (info >> 32);
 }
 
 // Exact text counted by the block scanner, or nothing (false) when it is not.
