@@ -92,6 +92,11 @@ protected:
 /// are, and a malformed sequence (overlong, surrogate, above U+10FFFF, a byte
 /// that does not continue it) reads as "?" with status 0.
 class OV_API ovStringReaderUTF8 final : public ovStringReader {
+public:
+    /// The same line, status and stream state as read_token(is, 0, "\n",
+    /// status), taken from the stream's buffer a run of bytes at a time.
+    ovString read_line(std::istream& is, int& status) override;
+
 protected:
     unsigned int read_char(std::istream& is, int& status) override;
 };

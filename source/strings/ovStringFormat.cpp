@@ -266,9 +266,12 @@ double scale(double x, int e) noexcept {
 // so the result is the platform's floor(log10(a)) without the call.
 int floor_log10(double a) noexcept {
     if (a >= 1e-306 && a < 1e308) {
-        int e2;
-        std::frexp(a, &e2); // a = m * 2^e2, 0.5 <= m < 1
-        int k = static_cast<int>(std::floor((e2 - 1) * 0.30102999566398120));
+        // a is normal here: its binary exponent is in its bits, a = m * 2^e2
+        // with 1 <= m < 2 (what frexp gives, less one, without the call).
+        uint64_t bits;
+        std::memcpy(&bits, &a, sizeof bits);
+        const int e2 = static_cast<int>((bits >> 52) & 0x7FF) - 1023;
+        int k = static_cast<int>(std::floor(e2 * 0.30102999566398120));
         while (k < 307 && a >= kPow10[k + 1 + 307])
             ++k;
         while (k > -306 && a < kPow10[k + 307])
@@ -369,8 +372,10 @@ bool numbered(const unsigned int* t, size_t len, size_t i) noexcept {
 // Blanks or zeros in front of a body of `body` characters up to the width,
 // with the sign: leftmost with zeros, next to the body with blanks, in front
 // when there is no room. The sign is part of the width.
-void pad(CodeBuffer& out, int width, bool zeros, size_t body, bool negative) {
+inline void pad(CodeBuffer& out, int width, bool zeros, size_t body, bool negative) {
     const size_t w = static_cast<size_t>(width);
+    if (body >= w && !negative) // the usual field: nothing in front
+        return;
     if (body < w) {
         const size_t n = w - body;
         if (zeros) {
@@ -417,6 +422,14 @@ inline size_t ovStringFormatSpecifier::parse(const unsigned int* t, size_t len, 
 // Reads code points where the text was once read as UTF-8 bytes: the same
 // result, since every character looked for is ASCII. Past the end reads as 0.
 void ovStringFormatSpecifier::read(const unsigned int* q, size_t n) noexcept {
+    if (n == 2 && q[1] < 0x80 && !ovra_internal::is_ascii_digit(q[1]) && q[1] != '.') {
+        // A bare conversion ("%d", "%s"): nothing else to read.
+        m_conversion = static_cast<char>(q[1]);
+        m_width = m_zero_pad = m_precision_given = m_precision = 0;
+        m_has_position = m_position = 0;
+        m_invalid = false;
+        return;
+    }
     const unsigned int* p = q + (n > 0 ? 1 : 0);
     const unsigned int* const e = q + n;
     int width = 0, zero_pad = 0, precision_given = 0, precision = 0;
@@ -864,9 +877,44 @@ int ovStringFormatter::calculate_num_specifiers(const ovString& fmt) const {
 ovString ovStringFormatter::format_with_list(const ovString& fmt, ovStringFormatArgs& args) const {
     const unsigned int* t = fmt.convert(ovSTRING_UTF32);
     const size_t len = fmt.length();
-    const size_t n = count_specifiers(t, len);
-    if (n == 0) // the text itself, shared; never failed
+    const size_t first = find_percent(t, 0, len);
+    if (first >= len) // the text itself, shared; never failed
         return fmt.invalid() ? ovString(ovSTRING_EMPTY) : ovString(fmt);
+
+    if (!numbered(t, len, first)) {
+        // Not positional: each specifier is rendered in its place as the walk
+        // reaches it, since index order is then text order, and the pieces go
+        // straight to the output. A numbered specifier here renders the error
+        // text and takes no argument.
+        ovStringFormatSpecifier::Out out;
+        size_t k = 0;
+        size_t s = 0;
+        bool recount = false;
+        for (size_t i = first; i < len; i = find_percent(t, s, len)) {
+            out.codes(t + s, i - s);
+            ovStringFormatSpecifier field;
+            s = field.parse(t, len, i);
+            // A specifier whose scan ended at a "%" other than its second
+            // character ("%5%", "%.x%") is where the count of "%" signs and
+            // the specifiers parsed can part.
+            recount = recount || (t[s - 1] == '%' && s - i > 2);
+            if (field.m_has_position)
+                error(out);
+            else
+                field.render(out, args);
+            ++k;
+        }
+        out.codes(t + s, len - s);
+        // Slots counted but never parsed come after the tail, each showing the
+        // error text.
+        if (recount) {
+            for (const size_t n = count_specifiers(t, len); k < n; ++k)
+                error(out);
+        }
+        return make_string(out.data(), out.size());
+    }
+
+    const size_t n = count_specifiers(t, len);
 
     SmallArray<Range, 17> pieces(n + 1, Range{0, 0});
     SmallArray<ovStringFormatSpecifier, 16> fields(n, ovStringFormatSpecifier());

@@ -1,10 +1,15 @@
 #include "ovra/ovStringReader.h"
 
 #include "common/bits.h"
+#include "strings/line_scan.h"
 #include "strings/reader_stream.h"
+#include "strings/text_builder.h"
 #include "strings/utf_codec.h"
 
+#include <climits>
 #include <cstdint>
+#include <cstring>
+#include <memory>
 #include <ostream>
 #include <vector>
 
@@ -185,7 +190,175 @@ OVRA_NOINLINE unsigned int read_utf8_rest(std::istream& is, int b, int& status) 
     return codes[0];
 }
 
+// A line's code points as they are read: the first 512 on the stack (a frame that stays under a
+// page), longer lines on the heap; copied once into the result.
+class LineText {
+public:
+    LineText() noexcept : m_begin(m_stack), m_end(m_stack + kStack) {}
+    LineText(const LineText&) = delete;
+    LineText& operator=(const LineText&) = delete;
+
+    unsigned int* begin() noexcept { return m_begin; }
+    // Room for `need` more code points from w on; returns where w now is.
+    unsigned int* room(unsigned int* w, size_t need) {
+        return static_cast<size_t>(m_end - w) >= need ? w : grow(w, need);
+    }
+    // Code points that fit after w.
+    size_t room_after(const unsigned int* w) const noexcept {
+        return static_cast<size_t>(m_end - w);
+    }
+    // A valid string of the code points before w, empty when there are none.
+    ovString text(const unsigned int* w) const {
+        const size_t n = static_cast<size_t>(w - m_begin);
+        unsigned int* t;
+        ovString s = ovra_internal::TextBuilder::with_room(n, t);
+        if (n)
+            std::memcpy(t, m_begin, n * sizeof(unsigned int));
+        return s;
+    }
+
+private:
+    static const size_t kStack = 512;
+
+    unsigned int* grow(unsigned int* w, size_t need) {
+        const size_t used = static_cast<size_t>(w - m_begin);
+        const size_t have = static_cast<size_t>(m_end - m_begin);
+        const size_t cap = have * 2 > used + need ? have * 2 : used + need;
+        std::unique_ptr<unsigned int[]> bigger(new unsigned int[cap]);
+        std::memcpy(bigger.get(), m_begin, used * sizeof(unsigned int));
+        m_heap = std::move(bigger);
+        m_begin = m_heap.get();
+        m_end = m_begin + cap;
+        return m_begin + used;
+    }
+
+    unsigned int m_stack[kStack];
+    unsigned int* m_begin;
+    unsigned int* m_end;
+    std::unique_ptr<unsigned int[]> m_heap;
+};
+
+// What ends a line besides a character read with a status: as is_separator
+// with the separators "\n".
+inline bool ends_line(unsigned int c) noexcept {
+    return c == '\n' || c == ovREADER_END || c == ovREADER_CUT_CHARACTER;
+}
+
+// Bytes looked at per visit of the buffer: keeps every count an int for gbump.
+constexpr size_t kWindow = size_t(1) << 30;
+
 } // namespace
+
+// The characters read_char would give, taken from the buffer in place while
+// it holds them: sixteen plain bytes at a time, a multibyte character whole
+// when all its bytes are there. Whatever needs the stream itself (an empty
+// buffer, a character or CR LF cut by the buffer's end) goes through
+// read_char, so the stream sees the same calls in the same state.
+ovString ovStringReaderUTF8::read_line(std::istream& is, int& status) {
+    status = 0;
+    flush_tie(is);
+    LineText line;
+    unsigned int* w = line.begin();
+    for (;;) {
+        std::streambuf* const buf = is.rdstate() == std::ios_base::goodbit ? is.rdbuf() : nullptr;
+        const char* const begin = buf ? ovra_internal::GetArea::begin(buf) : nullptr;
+        const char* end = buf ? ovra_internal::GetArea::end(buf) : nullptr;
+        if (begin == end) { // also for a stream that is not good
+            const unsigned int c = read_char(is, status);
+            if (status != 0 || ends_line(c))
+                break;
+            w = line.room(w, 1);
+            *w++ = c;
+            continue;
+        }
+        if (static_cast<size_t>(end - begin) > kWindow)
+            end = begin + kWindow;
+        const unsigned char* p = reinterpret_cast<const unsigned char*>(begin);
+        const unsigned char* const e = reinterpret_cast<const unsigned char*>(end);
+        enum { kMore, kDone, kCut } how = kMore; // kCut: a character or CR LF runs past e
+        while (how == kMore && p < e) {
+            // Each byte gives at most one code point: up to `safe` there is
+            // room for a whole block after every character.
+            w = line.room(w, 17);
+            const size_t ahead = line.room_after(w) - 16;
+            const unsigned char* const safe = static_cast<size_t>(e - p) > ahead ? p + ahead : e;
+            while (p < safe) {
+                if (e - p >= 16) {
+                    const unsigned stop = ovra_internal::widen16(p, w);
+                    if (!stop) {
+                        p += 16;
+                        w += 16;
+                        continue;
+                    }
+                    const unsigned k = ovra_internal::lowest_bit64(stop);
+                    p += k;
+                    w += k;
+                } else if (ovra_internal::is_plain_line_byte(*p)) {
+                    *w++ = *p++;
+                    continue;
+                }
+                const unsigned int b = *p;
+                if (b >= 0x80) {
+                    if (e - p >= 4) {
+                        unsigned announced;
+                        const unsigned int c = ovra_internal::well_formed_at(p, announced);
+                        if (c) {
+                            p += announced;
+                            *w++ = c;
+                            continue;
+                        }
+                    }
+                    const int length = ovra_internal::kUtf8.lead[b].announced + 1;
+                    if (length == 0) { // starts nothing
+                        ++p;
+                        status = 1;
+                        how = kDone;
+                        break;
+                    }
+                    if (e - p < length) {
+                        how = kCut;
+                        break;
+                    }
+                    // The converter's own reading of exactly the announced bytes,
+                    // as read_char decodes them.
+                    const char* q = reinterpret_cast<const char*>(p);
+                    bool exact;
+                    const unsigned int c = ovra_internal::Utf8::read(q, q + length, exact);
+                    p += length;
+                    if (ends_line(c)) {
+                        how = kDone;
+                        break;
+                    }
+                    *w++ = c;
+                    continue;
+                }
+                if (b == '\r') {
+                    if (e - p < 2) {
+                        how = kCut;
+                        break;
+                    }
+                    p += p[1] == '\n' ? 2 : 1;
+                } else {
+                    ++p; // LF, or NUL, which reads as the end
+                }
+                how = kDone;
+                break;
+            }
+        }
+        ovra_internal::GetArea::take(
+            buf, static_cast<size_t>(p - reinterpret_cast<const unsigned char*>(begin)));
+        if (how == kDone)
+            break;
+        if (how == kCut) {
+            const unsigned int c = read_char(is, status);
+            if (status != 0 || ends_line(c))
+                break;
+            w = line.room(w, 1);
+            *w++ = c;
+        }
+    }
+    return line.text(w);
+}
 
 unsigned int ovStringReaderUTF8::read_char(std::istream& is, int& status) {
     status = 0;

@@ -61,6 +61,21 @@ inline unsigned int line_feed_after_cr(std::istream& is) noexcept {
     return '\n';
 }
 
+// The bytes a stream buffer holds ready, read and taken in place: taking a
+// byte from [begin, end) and moving past it is what sbumpc does, without a
+// virtual call. The protected members are reached through member pointers
+// named in a derived class, the one way the language allows on a buffer of any
+// type.
+class GetArea : public std::streambuf {
+public:
+    static const char* begin(std::streambuf* b) noexcept { return (b->*&GetArea::gptr)(); }
+    static const char* end(std::streambuf* b) noexcept { return (b->*&GetArea::egptr)(); }
+    // Takes n bytes of [begin, end); n must not exceed INT_MAX.
+    static void take(std::streambuf* b, size_t n) noexcept {
+        (b->*&GetArea::gbump)(static_cast<int>(n));
+    }
+};
+
 // The rest of a multibyte character of the runtime's locale whose first byte
 // (not CR, not the end) is `first`; one definition per platform.
 unsigned int read_mb_rest(std::istream& is, int first, int& status);

@@ -14,6 +14,7 @@
 #include <cstdarg>
 #include <cstdint>
 #include <limits>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -57,6 +58,47 @@ public:
     explicit TestSpecifier(const char* format) { setup(from_utf8(format)); }
     using ovStringFormatSpecifier::format_chars_with_sign;
 };
+
+class CountingFormatter : public ovStringFormatter {
+public:
+    using ovStringFormatter::calculate_num_specifiers;
+};
+
+// The formatting of a whole string written out with the public pieces, for
+// formats whose first specifier has no argument number: count the "%" signs,
+// cut the format into literal pieces at each specifier, render the
+// specifiers in index order, join. A numbered specifier keeps an invalid
+// slot, which renders the error text.
+ovString step_by_step(const ovString& fmt, ovStringFormatArgs& args) {
+    const size_t n = static_cast<size_t>(CountingFormatter().calculate_num_specifiers(fmt));
+    if (n == 0)
+        return fmt;
+    std::vector<ovString> pieces;
+    std::vector<ovStringFormatSpecifier> fields(n);
+    const ovString percent = from_utf8("%");
+    ovStringPos s = fmt.begin();
+    for (ovStringPos p = fmt.begin(); p <= fmt.end();) {
+        if (fmt.matches(percent, p)) {
+            pieces.push_back(fmt.mid(s, p));
+            const ovStringFormatSpecifier field(fmt, p);
+            if (!field.has_position())
+                fields.at(pieces.size() - 1) = field;
+            s = p;
+        } else {
+            if (p == fmt.end())
+                pieces.push_back(fmt.mid(s, p));
+            ++p;
+        }
+    }
+    pieces.resize(n + 1, ovString(ovSTRING_EMPTY));
+    ovStringBuilder joined;
+    joined += pieces[0];
+    for (size_t i = 0; i < n; ++i) {
+        joined += fields[i].format(args);
+        joined += pieces[i + 1];
+    }
+    return joined.build();
+}
 
 ovString va_format(const char* f, ...) {
     va_list list;
@@ -140,6 +182,9 @@ TEST(ovStringFormat, PercentSignsAndPlainText) {
         // "%%" is counted once, so "%5%" (one specifier) leaves one counted
         // slot that nothing fills: it renders the error text at the end.
         {"%5%d", {}, "%d" + kError},
+        // The same with an unknown conversion before the closing "%": the
+        // scan of "%.é%" ends at its "%".
+        {"%.\303\251%s|", {kA}, kError + "s|" + kError, 0},
     });
 }
 
@@ -324,6 +369,57 @@ TEST(ovStringFormat, PositionalSpecifiersTakeArgumentsInNumberOrder) {
         {"%d %1$s|%d", {7, 8}, "7 " + kError + "|8"},
         {"%s %5$s", {kA, kB}, "A " + kError, 1},
     });
+}
+
+TEST(ovStringFormat, WholeFormatsAgreeWithTheStepByStepRules) {
+    // Specifiers of every kind (unknown, unfinished and numbered ones too),
+    // "%" signs that part the count from the specifiers, and text.
+    const char* const parts[] = {
+        "%d",    "%5d",  "%05d", "%.3d", "%s", "%5.1s",    "%x",           "%X",  "%u",   "%f",
+        "%8.3f", "%e",   "%.2E", "%g",   "%G", "%%",       "%5%",          "%.%", "%-3d", "%ld",
+        "%c x",  "%1$s", "%2$d", "abc",  " ",  "\xC3\xA9", "\xE6\x97\xA5", "%",   "%5",   "%."};
+    const char* const firsts[] = {"%d", "%s", "%5%", "%%", "%-d", "%8.3f", "%."};
+    const ovString strings[] = {kA, kAB, from_utf8("\xE6\x97\xA5\xE6\x9C\xAC"), kNullStr};
+    std::mt19937 rng(1414u);
+    auto pick = [&rng](size_t n) { return std::uniform_int_distribution<size_t>(0, n - 1)(rng); };
+    for (int round = 0; round < 3000; ++round) {
+        std::string f = pick(3) == 0 ? "<" : "";
+        f += firsts[pick(sizeof(firsts) / sizeof(firsts[0]))];
+        for (size_t n = pick(8); n > 0; --n)
+            f += parts[pick(sizeof(parts) / sizeof(parts[0]))];
+        std::vector<ovStringFormatArg> args;
+        for (size_t n = pick(9); n > 0; --n) {
+            switch (pick(5)) {
+            case 0:
+                args.emplace_back(static_cast<int>(rng()));
+                break;
+            case 1:
+                args.emplace_back(static_cast<unsigned>(rng() % 1000));
+                break;
+            case 2:
+                args.emplace_back(static_cast<long long>(rng()) << 20);
+                break;
+            case 3:
+                args.emplace_back(
+                    std::ldexp(static_cast<double>(rng()), static_cast<int>(pick(80)) - 50));
+                break;
+            default:
+                args.emplace_back(strings[pick(4)]);
+                break;
+            }
+        }
+        const ovString format = from_utf8(f);
+        ovStringFormatArgs fast(args.data(), static_cast<int>(args.size()));
+        ovStringFormatArgs plain(args.data(), static_cast<int>(args.size()));
+        const ovString got = ovStringFormatter().format_with_list(format, fast);
+        const ovString want = step_by_step(format, plain);
+        if (code_points(got) != code_points(want) || fast.used() != plain.used()) {
+            ADD_FAILURE() << "round " << round << ", format \"" << f << "\" with " << args.size()
+                          << " arguments: got \"" << utf8_of(got) << "\" taking " << fast.used()
+                          << ", step by step \"" << utf8_of(want) << "\" taking " << plain.used();
+            return;
+        }
+    }
 }
 
 TEST(ovStringFormat, UnknownConversionsTakeNoArgument) {

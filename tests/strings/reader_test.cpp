@@ -1,11 +1,13 @@
 #include "ovra/ovStringReader.h"
 
+#include "../support/line_agreement.h"
 #include "string_test_util.h"
 
 #include <gtest/gtest.h>
 
 #include <clocale>
 #include <memory>
+#include <random>
 #include <sstream>
 #include <stdexcept>
 #include <string>
@@ -215,6 +217,8 @@ TEST(ovStringReader, BadBytesEndTheLineWithStatus) {
         {"lead 0xFF", "\xFF", {{"", 1}, {"", 0}}},
         {"cut by the end", "ab\xE2\x82", {{"ab", 1}}},
         {"malformed takes the next byte", "\xC3Gz", {{"?z", 0}}},
+        {"even a line feed", "\xC3\nz\n", {{"?z", 0}, {"", 0}}},
+        {"NUL ends the line", std::string("ab\0cd", 5), {{"ab", 0}, {"cd", 0}}},
         {"overlong", "\xE0\x80\x80z", {{"?z", 0}}},
         {"surrogate", "\xED\xA0\x80z", {{"?z", 0}}},
         {"well formed",
@@ -275,4 +279,79 @@ TEST(ovStringReader, NeverThrowsAndReportsThroughTheStream) {
     EXPECT_FALSE(reader.read_line(failed, st).invalid()) << "reads as ended";
     EXPECT_TRUE(reader.read_token(failed, 1, " ", st).invalid());
     EXPECT_EQ(st, 0);
+}
+
+TEST(ovStringReaderUTF8, ReadLineAgreesWithReadingCharacterByCharacter) {
+    // Buffers that cut the text anywhere, the unbuffered kind (0), and one
+    // holding it all, as a string stream does.
+    const size_t chunks[] = {0, 1, 2, 3, 5, 15, 16, 17, 33, 100000};
+    const std::string run(40, 'q');
+    const struct {
+        const char* name;
+        std::string bytes;
+    } cases[] = {
+        {"empty", ""},
+        {"line endings", "a\r\nb\rc\nd\r\r\n\n\r"},
+        {"ASCII around every block size", std::string(15, 'a') + "\n" + std::string(16, 'b') +
+                                              "\n" + std::string(17, 'c') + "\r\n" +
+                                              std::string(31, 'd') + "\r" + std::string(33, 'e')},
+        {"CR LF across a block", std::string(15, 'x') + "\r\n" + std::string(14, 'y') + "\r\nz"},
+        {"NUL", std::string("ab\0cd\0", 7) + run},
+        {"well formed", run + "\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80" + run + "\xE6\x97\xA5\n"},
+        {"stray continuations", run + "\x80" + run + "\xBF\n\x80"},
+        {"leads that start nothing", "a\xF8" + run + "\xFF\xFE\n\xC0\x80\xC1\xBF\xF5\x80\x80\x80z"},
+        {"malformed sequences", "\xE0\x80\x80\xED\xA0\x80\xF4\x90\x80\x80\xC3(" + run},
+        {"leads take line ends", "\xE2\n\n" + run + "\xF0\r\n\r\n\xC3\r\n"},
+        {"cut by the end", run + "\xF0\x9F\x98"},
+        {"CR at the end", run + "\r"},
+        {"one long line", std::string(5000, 'l') + "\xC3\xA9" + std::string(3000, 'm')},
+    };
+    for (const auto& c : cases) {
+        for (size_t chunk : chunks) {
+            SCOPED_TRACE(std::string(c.name) + ", chunk " + std::to_string(chunk));
+            EXPECT_EQ(line_disagreement(c.bytes, chunk), "");
+        }
+    }
+
+    // Random texts from pieces that matter to a line: every way a line ends,
+    // runs across the 16-byte blocks, and good, bad and cut characters.
+    const std::string pieces[] = {"a",
+                                  "xyz",
+                                  " ",
+                                  "abcdefghijklmnop",
+                                  run,
+                                  "\n",
+                                  "\r",
+                                  "\r\n",
+                                  std::string(1, '\0'),
+                                  "\xC3\xA9",
+                                  "\xE2\x82\xAC",
+                                  "\xF0\x9F\x98\x80",
+                                  "\x80",
+                                  "\xBF",
+                                  "\xC0\x80",
+                                  "\xC1",
+                                  "\xC3",
+                                  "\xE2\x82",
+                                  "\xF0\x9F",
+                                  "\xF0\x9F\x98",
+                                  "\xED\xA0\x80",
+                                  "\xF4\x90\x80\x80",
+                                  "\xF5",
+                                  "\xF8",
+                                  "\xFF"};
+    const size_t kinds = sizeof(pieces) / sizeof(pieces[0]);
+    std::mt19937 rng(14u);
+    for (int round = 0; round < 400; ++round) {
+        std::string bytes;
+        for (int n = std::uniform_int_distribution<int>(0, 40)(rng); n > 0; --n)
+            bytes += pieces[std::uniform_int_distribution<size_t>(0, kinds - 1)(rng)];
+        for (size_t chunk : chunks) {
+            const std::string why = line_disagreement(bytes, chunk);
+            if (!why.empty()) {
+                ADD_FAILURE() << "round " << round << ", chunk " << chunk << ": " << why;
+                return;
+            }
+        }
+    }
 }
