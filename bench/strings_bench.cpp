@@ -1,10 +1,28 @@
-// ovString's UTF conversions measured beside glibc iconv doing the same work,
-// so every figure has a reference taken in the same run on the same machine.
+// ovString's and ConvertUTF's UTF conversions measured beside glibc iconv and ICU
+// doing the same work, so every figure has a reference taken in the same run on the
+// same machine. Each reference is compared once with libovra's result and its rows
+// report an error instead of a figure when they differ.
 #include "ovra/ovString.h"
 
 #include <benchmark/benchmark.h>
 
+#if defined(__has_include)
+#if __has_include(<iconv.h>)
 #include <iconv.h>
+#define OVRA_BENCH_HAVE_ICONV 1
+#endif
+#endif
+
+#if defined(_WIN32)
+#include "common/win32.h" // the system's own converter, as a reference under Windows
+#endif
+
+#if defined(OVRA_BENCH_HAVE_ICU)
+#include <unicode/unistr.h>
+#include <unicode/ustring.h>
+#include <unicode/utf16.h>
+#include <unicode/utf8.h>
+#endif
 
 #include <cstddef>
 #include <cstdint>
@@ -152,6 +170,82 @@ const std::vector<ovString>& built(int input) {
     return it->second;
 }
 
+typedef std::basic_string<ovChar16> u16text;
+
+// The UTF-16 forms of the inputs, for the conversions that start from UTF-16.
+const std::vector<u16text>& utf16_of(int input) {
+    static std::map<int, std::vector<u16text>> cache;
+    auto it = cache.find(input);
+    if (it == cache.end()) {
+        std::vector<u16text> v;
+        for (const ovString& s : built(input))
+            v.emplace_back(s.convert(ovSTRING_UTF16));
+        it = cache.emplace(input, std::move(v)).first;
+    }
+    return it->second;
+}
+
+enum class Op { FromUtf8, ToUtf8, ToUtf16, Utf8ToUtf16, Utf16ToUtf8, FromUtf16, FromUtf8ThenUtf16 };
+enum class Lib { Ovra, Iconv, Icu, Win32 };
+
+const char* op_name(Op op) {
+    switch (op) {
+    case Op::FromUtf8:
+        return "BM_FromUtf8";
+    case Op::ToUtf8:
+        return "BM_ToUtf8";
+    case Op::ToUtf16:
+        return "BM_ToUtf16";
+    case Op::Utf8ToUtf16:
+        return "BM_Utf8ToUtf16";
+    case Op::Utf16ToUtf8:
+        return "BM_Utf16ToUtf8";
+    case Op::FromUtf16:
+        return "BM_FromUtf16";
+    case Op::FromUtf8ThenUtf16:
+        return "BM_FromUtf8ThenUtf16";
+    }
+    return "?";
+}
+
+// libovra's row is named after the entry point it times.
+const char* lib_name(Op op, Lib lib) {
+    switch (lib) {
+    case Lib::Ovra:
+        return op == Op::Utf8ToUtf16 || op == Op::Utf16ToUtf8 ? "ConvertUTF" : "ovString";
+    case Lib::Iconv:
+        return "iconv";
+    case Lib::Icu:
+        return "ICU";
+    case Lib::Win32:
+        return "Win32";
+    }
+    return "?";
+}
+
+// Where each conversion leaves its result: kept as bytes while the results are
+// compared, only kept alive for the optimiser while timing.
+struct Sink {
+    bool keep = false;
+    bool failed = false;
+    std::string bytes;
+
+    void take(const void* p, size_t n) {
+        if (keep)
+            bytes.assign(static_cast<const char*>(p), n);
+        benchmark::DoNotOptimize(p);
+    }
+    void take_cstr(const char* p) { take(p, keep ? std::strlen(p) : 0); }
+    void take_u16z(const ovChar16* p) {
+        size_t n = 0;
+        if (keep)
+            while (p[n])
+                ++n;
+        take(p, 2 * n);
+    }
+};
+
+#if defined(OVRA_BENCH_HAVE_ICONV)
 class Iconv {
 public:
     Iconv(const char* to, const char* from) : m_cd(iconv_open(to, from)) {}
@@ -164,210 +258,291 @@ public:
     bool ok() const { return m_cd != reinterpret_cast<iconv_t>(-1); }
 
     // Converts all of `in` into a new buffer of `cap` bytes plus a 4-byte
-    // terminator; sets `used` to the bytes written. Null on any iconv error.
-    std::unique_ptr<char[]> run(const void* in, size_t n, size_t cap, size_t& used) {
+    // terminator, as a caller without a counting pass must allocate.
+    void run(const void* in, size_t n, size_t cap, Sink& sink) {
         std::unique_ptr<char[]> buf(new char[cap + 4]);
         iconv(m_cd, nullptr, nullptr, nullptr, nullptr);
         char* src = const_cast<char*>(static_cast<const char*>(in));
         size_t left = n;
         char* dst = buf.get();
         size_t room = cap;
-        if (iconv(m_cd, &src, &left, &dst, &room) == static_cast<size_t>(-1) || left != 0)
-            return nullptr;
+        if (iconv(m_cd, &src, &left, &dst, &room) == static_cast<size_t>(-1) || left != 0) {
+            sink.failed = true;
+            return;
+        }
         std::memset(dst, 0, 4);
-        used = cap - room;
-        return buf;
+        sink.take(buf.get(), cap - room);
     }
 
 private:
     iconv_t m_cd;
 };
 
-enum class Op { FromUtf8, ToUtf8, ToUtf16 };
-
-const char* op_name(Op op) {
-    switch (op) {
-    case Op::FromUtf8:
-        return "BM_FromUtf8";
-    case Op::ToUtf8:
-        return "BM_ToUtf8";
-    case Op::ToUtf16:
-        return "BM_ToUtf16";
+Iconv* iconv_for(Op op) {
+    static std::map<Op, std::unique_ptr<Iconv>> open;
+    std::unique_ptr<Iconv>& cv = open[op];
+    if (!cv) {
+        switch (op) {
+        case Op::FromUtf8:
+            cv.reset(new Iconv("UTF-32LE", "UTF-8"));
+            break;
+        case Op::ToUtf8:
+            cv.reset(new Iconv("UTF-8", "UTF-32LE"));
+            break;
+        case Op::ToUtf16:
+            cv.reset(new Iconv("UTF-16LE", "UTF-32LE"));
+            break;
+        default:
+            break;
+        }
     }
-    return "?";
+    return cv && cv->ok() ? cv.get() : nullptr;
 }
+#endif
 
-Iconv* open_for(Op op) {
-    switch (op) {
-    case Op::FromUtf8:
-        return new Iconv("UTF-32LE", "UTF-8");
-    case Op::ToUtf8:
-        return new Iconv("UTF-8", "UTF-32LE");
-    case Op::ToUtf16:
-        return new Iconv("UTF-16LE", "UTF-32LE");
-    }
-    return nullptr;
-}
-
-// Worst-case output bytes, as a caller of iconv must allocate without a counting pass.
-size_t out_cap(Op op, const std::string& text, const ovString& s) {
-    return op == Op::FromUtf8 ? 4 * (text.size() + 1) : 4 * s.length() + 4;
-}
-
-// What the ovString side produces for one text, as bytes, for the agreement check.
-bool ovstring_bytes(Op op, const std::string& text, const ovString& pre, std::string& out) {
-    switch (op) {
-    case Op::FromUtf8: {
-        int st = 1;
-        ovString s(ovSTRING_UTF8, text.c_str(), st);
-        if (st != 0 || s.failed())
-            return false;
-        out.assign(reinterpret_cast<const char*>(s.convert(ovSTRING_UTF32)), 4 * s.length());
+// Which references this build can measure for an operation.
+bool has_row(Op op, Lib lib) {
+    switch (lib) {
+    case Lib::Ovra:
         return true;
-    }
-    case Op::ToUtf8: {
-        ovString c(pre);
-        out.assign(c.convert(ovSTRING_UTF8));
-        return true;
-    }
-    case Op::ToUtf16: {
-        ovString c(pre);
-        const ovChar16* p = c.convert(ovSTRING_UTF16);
-        size_t n = 0;
-        while (p[n])
-            ++n;
-        out.assign(reinterpret_cast<const char*>(p), 2 * n);
-        return true;
-    }
+    case Lib::Iconv:
+#if defined(OVRA_BENCH_HAVE_ICONV)
+        return op == Op::FromUtf8 || op == Op::ToUtf8 || op == Op::ToUtf16;
+#else
+        return false;
+#endif
+    case Lib::Icu:
+#if defined(OVRA_BENCH_HAVE_ICU)
+        return op != Op::FromUtf8ThenUtf16; // that one is read beside Utf8ToUtf16's rows
+#else
+        return false;
+#endif
+    case Lib::Win32:
+#if defined(_WIN32)
+        return op == Op::Utf8ToUtf16 || op == Op::Utf16ToUtf8;
+#else
+        return false;
+#endif
     }
     return false;
 }
 
-const void* iconv_source(Op op, const std::string& text, const ovString& pre, size_t& n) {
-    if (op == Op::FromUtf8) {
-        n = text.size();
-        return text.data();
-    }
-    n = 4 * pre.length();
-    return pre.convert(ovSTRING_UTF32);
-}
-
-// Empty when both sides agree on every text; worked out once per pair.
-const std::string& disagreement(Op op, int input) {
-    static std::map<std::pair<int, int>, std::string> cache;
-    const auto key = std::make_pair(static_cast<int>(op), input);
-    auto it = cache.find(key);
-    if (it != cache.end())
-        return it->second;
-    std::string why;
-    std::unique_ptr<Iconv> cv(open_for(op));
-    const std::vector<std::string>& texts = inputs()[input].texts;
-    const std::vector<ovString>& pre = built(input);
-    if (!cv->ok())
-        why = "iconv_open failed";
-    for (size_t i = 0; why.empty() && i < texts.size(); ++i) {
-        std::string ours;
-        if (!ovstring_bytes(op, texts[i], pre[i], ours)) {
-            why = "ovString failed on text " + std::to_string(i);
-            break;
+// One conversion of text i of an input, by one library, into the sink.
+// False when the library has no such row.
+bool convert_one(Op op, Lib lib, int input, size_t i, Sink& sink) {
+    const std::string& t = inputs()[input].texts[i];
+    const ovString& pre = built(input)[i];
+    const u16text& u = utf16_of(input)[i];
+    if (lib == Lib::Ovra) {
+        int st = 0;
+        switch (op) {
+        case Op::FromUtf8: {
+            ovString s(ovSTRING_UTF8, t.c_str(), st);
+            sink.failed |= st != 0;
+            sink.take(s.convert(ovSTRING_UTF32), 4 * s.length());
+            return true;
         }
-        size_t n = 0;
-        const void* src = iconv_source(op, texts[i], pre[i], n);
-        size_t used = 0;
-        std::unique_ptr<char[]> theirs = cv->run(src, n, out_cap(op, texts[i], pre[i]), used);
-        if (!theirs)
-            why = "iconv failed on text " + std::to_string(i);
-        else if (used != ours.size() || std::memcmp(theirs.get(), ours.data(), used) != 0)
-            why = "ovString and iconv differ on text " + std::to_string(i);
+        case Op::ToUtf8: {
+            ovString c(pre);
+            sink.take_cstr(c.convert(ovSTRING_UTF8));
+            return true;
+        }
+        case Op::ToUtf16: {
+            ovString c(pre);
+            sink.take_u16z(c.convert(ovSTRING_UTF16));
+            return true;
+        }
+        case Op::Utf8ToUtf16: {
+            ovOvra::ConvertUTF cv;
+            const size_t n = cv.utf8_to_utf16(t.data(), t.size(), nullptr, 0);
+            std::unique_ptr<ovChar16[]> out(new ovChar16[n]);
+            cv.utf8_to_utf16(t.data(), t.size(), out.get(), n);
+            sink.failed |= !cv.was_exact();
+            sink.take(out.get(), 2 * (n - 1));
+            return true;
+        }
+        case Op::Utf16ToUtf8: {
+            ovOvra::ConvertUTF cv;
+            const size_t n = cv.utf16_to_utf8(u.data(), u.size(), nullptr, 0);
+            std::unique_ptr<char[]> out(new char[n]);
+            cv.utf16_to_utf8(u.data(), u.size(), out.get(), n);
+            sink.failed |= !cv.was_exact();
+            sink.take(out.get(), n - 1);
+            return true;
+        }
+        case Op::FromUtf16: {
+            ovString s(ovSTRING_UTF16, u.data(), u.size(), st);
+            sink.failed |= st != 0;
+            sink.take(s.convert(ovSTRING_UTF32), 4 * s.length());
+            return true;
+        }
+        case Op::FromUtf8ThenUtf16: {
+            ovString s(ovSTRING_UTF8, t.c_str(), st);
+            sink.failed |= st != 0;
+            sink.take_u16z(s.convert(ovSTRING_UTF16));
+            return true;
+        }
+        }
+        return false;
     }
-    return cache.emplace(key, why).first->second;
+#if defined(OVRA_BENCH_HAVE_ICONV)
+    if (lib == Lib::Iconv) {
+        Iconv* cv = iconv_for(op);
+        if (!cv)
+            return false;
+        if (op == Op::FromUtf8)
+            cv->run(t.data(), t.size(), 4 * (t.size() + 1), sink);
+        else
+            cv->run(pre.convert(ovSTRING_UTF32), 4 * pre.length(), 4 * pre.length() + 4, sink);
+        return true;
+    }
+#endif
+#if defined(_WIN32)
+    // Measured first, then converted, as ConvertUTF's callers do.
+    if (lib == Lib::Win32 && op == Op::Utf8ToUtf16) {
+        const int n = static_cast<int>(t.size());
+        const int need =
+            MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, t.data(), n, nullptr, 0);
+        std::unique_ptr<wchar_t[]> out(new wchar_t[static_cast<size_t>(need) + 1]);
+        const int got =
+            MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, t.data(), n, out.get(), need);
+        sink.failed |= got != need || (n > 0 && got == 0);
+        out[static_cast<size_t>(got)] = 0;
+        sink.take(out.get(), 2 * static_cast<size_t>(got));
+        return true;
+    }
+    if (lib == Lib::Win32 && op == Op::Utf16ToUtf8) {
+        const wchar_t* w = reinterpret_cast<const wchar_t*>(u.data());
+        const int n = static_cast<int>(u.size());
+        const int need = WideCharToMultiByte(CP_UTF8, 0, w, n, nullptr, 0, nullptr, nullptr);
+        std::unique_ptr<char[]> out(new char[static_cast<size_t>(need) + 1]);
+        const int got = WideCharToMultiByte(CP_UTF8, 0, w, n, out.get(), need, nullptr, nullptr);
+        sink.failed |= got != need;
+        out[static_cast<size_t>(got)] = 0;
+        sink.take(out.get(), static_cast<size_t>(got));
+        return true;
+    }
+#endif
+#if defined(OVRA_BENCH_HAVE_ICU)
+    if (lib == Lib::Icu) {
+        const UChar* u_src = reinterpret_cast<const UChar*>(u.data());
+        const int32_t u_len = static_cast<int32_t>(u.size());
+        const UChar32* cp = reinterpret_cast<const UChar32*>(pre.convert(ovSTRING_UTF32));
+        const int32_t cp_len = static_cast<int32_t>(pre.length());
+        UErrorCode err = U_ZERO_ERROR;
+        int32_t len = 0;
+        switch (op) {
+        case Op::FromUtf8: { // the U8_NEXT loop, into room for the worst case
+            const uint8_t* s = reinterpret_cast<const uint8_t*>(t.data());
+            const int32_t n = static_cast<int32_t>(t.size());
+            std::unique_ptr<UChar32[]> out(new UChar32[static_cast<size_t>(n) + 1]);
+            int32_t k = 0;
+            for (int32_t at = 0; at < n;) {
+                UChar32 c;
+                U8_NEXT(s, at, n, c);
+                sink.failed |= c < 0;
+                out[k++] = c;
+            }
+            out[k] = 0;
+            sink.take(out.get(), 4 * static_cast<size_t>(k));
+            return true;
+        }
+        case Op::ToUtf8: { // the U8_APPEND loop
+            const int32_t cap = 4 * cp_len + 1;
+            std::unique_ptr<uint8_t[]> out(new uint8_t[static_cast<size_t>(cap)]);
+            int32_t k = 0;
+            UBool bad = false;
+            for (int32_t at = 0; at < cp_len; ++at)
+                U8_APPEND(out.get(), k, cap, cp[at], bad);
+            sink.failed |= bad != 0;
+            out[k] = 0;
+            sink.take(out.get(), static_cast<size_t>(k));
+            return true;
+        }
+        case Op::ToUtf16: {
+            const int32_t cap = 2 * cp_len + 1;
+            std::unique_ptr<UChar[]> out(new UChar[static_cast<size_t>(cap)]);
+            u_strFromUTF32(out.get(), cap, &len, cp, cp_len, &err);
+            sink.failed |= U_FAILURE(err) != 0;
+            sink.take(out.get(), 2 * static_cast<size_t>(len));
+            return true;
+        }
+        case Op::Utf8ToUtf16: {
+            const icu::UnicodeString s = icu::UnicodeString::fromUTF8(
+                icu::StringPiece(t.data(), static_cast<int32_t>(t.size())));
+            sink.take(s.getBuffer(), 2 * static_cast<size_t>(s.length()));
+            return true;
+        }
+        case Op::Utf16ToUtf8: {
+            const int32_t cap = 3 * u_len + 1;
+            std::unique_ptr<char[]> out(new char[static_cast<size_t>(cap)]);
+            u_strToUTF8(out.get(), cap, &len, u_src, u_len, &err);
+            sink.failed |= U_FAILURE(err) != 0;
+            sink.take(out.get(), static_cast<size_t>(len));
+            return true;
+        }
+        case Op::FromUtf16: {
+            const int32_t cap = u_len + 1;
+            std::unique_ptr<UChar32[]> out(new UChar32[static_cast<size_t>(cap)]);
+            u_strToUTF32(out.get(), cap, &len, u_src, u_len, &err);
+            sink.failed |= U_FAILURE(err) != 0;
+            sink.take(out.get(), 4 * static_cast<size_t>(len));
+            return true;
+        }
+        case Op::FromUtf8ThenUtf16:
+            return false; // the same as Utf8ToUtf16's ICU row
+        }
+        return false;
+    }
+#endif
+    return false;
 }
 
-void bench_ovstring(benchmark::State& state, Op op, int input) {
-    const std::string& why = disagreement(op, input);
+// Empty when the library agrees with libovra on every text; worked out once per row.
+std::string disagreement(Op op, Lib lib, int input) {
+    const size_t count = inputs()[input].texts.size();
+    for (size_t i = 0; i < count; ++i) {
+        Sink ours, theirs;
+        ours.keep = theirs.keep = true;
+        convert_one(op, Lib::Ovra, input, i, ours);
+        convert_one(op, lib, input, i, theirs);
+        if (ours.failed || theirs.failed)
+            return std::string(ours.failed ? "libovra" : lib_name(op, lib)) + " failed on text " +
+                   std::to_string(i);
+        if (ours.bytes != theirs.bytes)
+            return std::string("libovra and ") + lib_name(op, lib) + " differ on text " +
+                   std::to_string(i);
+    }
+    return std::string();
+}
+
+void bench(benchmark::State& state, Op op, Lib lib, int input) {
+    const std::string why = disagreement(op, lib, input);
     if (!why.empty()) {
         state.SkipWithError(why.c_str());
         return;
     }
-    const std::vector<std::string>& texts = inputs()[input].texts;
-    const std::vector<ovString>& pre = built(input);
-    switch (op) {
-    case Op::FromUtf8:
-        for (auto _ : state) {
-            for (const std::string& t : texts) {
-                int st;
-                ovString s(ovSTRING_UTF8, t.c_str(), st);
-                benchmark::DoNotOptimize(st);
-                benchmark::DoNotOptimize(s.convert(ovSTRING_UTF32));
-            }
-        }
-        break;
-    case Op::ToUtf8:
-        for (auto _ : state) {
-            for (const ovString& s : pre) {
-                ovString c(s);
-                benchmark::DoNotOptimize(c.convert(ovSTRING_UTF8));
-            }
-        }
-        break;
-    case Op::ToUtf16:
-        for (auto _ : state) {
-            for (const ovString& s : pre) {
-                ovString c(s);
-                benchmark::DoNotOptimize(c.convert(ovSTRING_UTF16));
-            }
-        }
-        break;
-    }
+    const size_t count = inputs()[input].texts.size();
+    Sink sink;
+    for (auto _ : state)
+        for (size_t i = 0; i < count; ++i)
+            convert_one(op, lib, input, i, sink);
     state.SetBytesProcessed(static_cast<int64_t>(state.iterations()) * inputs()[input].bytes);
 }
 
-void bench_iconv(benchmark::State& state, Op op, int input) {
-    const std::string& why = disagreement(op, input);
-    if (!why.empty()) {
-        state.SkipWithError(why.c_str());
-        return;
-    }
-    const std::vector<std::string>& texts = inputs()[input].texts;
-    const std::vector<ovString>& pre = built(input);
-    // Sources and sizes fixed up front so the loop times iconv alone.
-    struct Job {
-        const void* src;
-        size_t n;
-        size_t cap;
-    };
-    std::vector<Job> jobs;
-    for (size_t i = 0; i < texts.size(); ++i) {
-        Job j;
-        j.src = iconv_source(op, texts[i], pre[i], j.n);
-        j.cap = out_cap(op, texts[i], pre[i]);
-        jobs.push_back(j);
-    }
-    std::unique_ptr<Iconv> cv(open_for(op));
-    for (auto _ : state) {
-        for (const Job& j : jobs) {
-            size_t used = 0;
-            std::unique_ptr<char[]> out = cv->run(j.src, j.n, j.cap, used);
-            if (!out) {
-                state.SkipWithError("iconv failed");
-                break;
-            }
-            benchmark::DoNotOptimize(out.get());
-            benchmark::ClobberMemory();
-        }
-    }
-    state.SetBytesProcessed(static_cast<int64_t>(state.iterations()) * inputs()[input].bytes);
-}
-
-// Registered op, then input, then ovString beside iconv, so pairs print together.
+// Registered op, then input, then libovra beside its references, so rows print together.
+// Bytes processed are always the UTF-8 bytes of the text, whichever form is converted.
 const bool registered = [] {
-    for (Op op : {Op::FromUtf8, Op::ToUtf8, Op::ToUtf16}) {
+    for (Op op : {Op::FromUtf8, Op::ToUtf8, Op::ToUtf16, Op::Utf8ToUtf16, Op::Utf16ToUtf8,
+                  Op::FromUtf16, Op::FromUtf8ThenUtf16}) {
         for (int input = 0; input < kInputCount; ++input) {
-            const std::string tail = std::string("/") + kInputNames[input];
-            benchmark::RegisterBenchmark((op_name(op) + std::string("/ovString") + tail).c_str(),
-                                         bench_ovstring, op, input);
-            benchmark::RegisterBenchmark((op_name(op) + std::string("/iconv") + tail).c_str(),
-                                         bench_iconv, op, input);
+            for (Lib lib : {Lib::Ovra, Lib::Icu, Lib::Iconv, Lib::Win32}) {
+                if (!has_row(op, lib))
+                    continue;
+                const std::string name =
+                    std::string(op_name(op)) + "/" + lib_name(op, lib) + "/" + kInputNames[input];
+                benchmark::RegisterBenchmark(name.c_str(), bench, op, lib, input);
+            }
         }
     }
     return true;

@@ -358,6 +358,7 @@ enum ConvertUTF16 { CONVERT_UTF16 };
 /// code read was 0. Bad input becomes "?" (not U+FFFD) and clears
 /// `was_exact()`; so does a code point that does not fit the room left. Output
 /// never passes `cap`; text that does not fit is cut and gets no terminator.
+/// Units after the returned count but inside `cap` may be overwritten.
 ///
 /// Deliberate: a lone 0x80 byte reads as U+0080 and stays exact; a run of
 /// stray continuation bytes gives one "?"; UTF-32 input is not validated.

@@ -18,10 +18,13 @@ static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__,
 
 #if defined(__GNUC__) || defined(__clang__)
 #define OVRA_NOINLINE __attribute__((noinline))
+#define OVRA_ALWAYS_INLINE inline __attribute__((always_inline))
 #elif defined(_MSC_VER)
 #define OVRA_NOINLINE __declspec(noinline)
+#define OVRA_ALWAYS_INLINE __forceinline
 #else
 #define OVRA_NOINLINE
+#define OVRA_ALWAYS_INLINE inline
 #endif
 
 namespace ovra_internal {

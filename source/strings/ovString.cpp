@@ -245,6 +245,20 @@ void ovString::init_utf8(const char* p) {
             text[i] = static_cast<unsigned char>(p[i]);
         return;
     }
+    // Long ASCII text gets its UTF-16 form, the one platform calls take, in the
+    // same pass as its code points: it costs a third of the work the string
+    // does anyway, where a later conversion would read all the code points
+    // again. Text that is not ASCII after all takes the path below instead.
+    if (n > 64 && ovra_internal::all_ascii(p, 64)) {
+        ovChar16* utf16 = new ovChar16[n + 1];
+        utf16[n] = 0;
+        if (ovra_internal::widen_ascii(p, n, init_text(n), utf16)) {
+            m_utf16 = utf16;
+            return;
+        }
+        delete[] utf16;
+        init_null();
+    }
     // The counting pass of ConvertUTF, without the fallback that counts the
     // "?" of bad input: here bad input fails the string whatever the count.
     size_t chars;
@@ -260,17 +274,18 @@ void ovString::init_utf16(const ovChar16* p, size_t n) {
     init_null();
     if (!p)
         return;
-    ovOvra::ConvertUTF cv;
-    const size_t count = cv.utf16_to_utf32(p, n, nullptr, 0);
-    if (!cv.was_exact()) {
+    // The counting pass of ConvertUTF, without the "?" it would count for bad
+    // input: here bad input fails the string whatever the count.
+    size_t chars;
+    bool zero;
+    if (!ovra_internal::count_exact_utf16(p, n, chars, zero)) {
         init_failed(kFailedUtf16);
         return;
     }
-    // count holds the terminator, or a 0 read from the text that cuts it.
-    const size_t room = count ? count : 1;
-    unsigned int* buf = init_text(room - 1);
-    cv.utf16_to_utf32(p, n, buf, room);
-    m_length = length_utf32(buf);
+    unsigned int* buf = init_text(chars);
+    ovra_internal::decode_exact_utf16(p, n, buf);
+    if (zero) // an embedded 0 cuts the text
+        m_length = ovra_internal::first_zero(buf, chars);
 }
 
 void ovString::init_utf32(const unsigned int* p, size_t n) {

@@ -290,9 +290,29 @@ size_t convert(const typename R::unit* src, size_t n, typename W::unit* dst, siz
     return static_cast<size_t>(o - dst);
 }
 
-// ConvertUTF's conversions from code points, with their fast paths.
+// ConvertUTF's conversions with their fast paths; each gives exactly what
+// convert<R, W> gives, which is what proves them.
+size_t utf8_to_utf16(const char* src, size_t n, ovChar16* dst, size_t cap, bool& exact);
+size_t utf8_to_utf32(const char* src, size_t n, unsigned int* dst, size_t cap, bool& exact);
+size_t utf16_to_utf8(const ovChar16* src, size_t n, char* dst, size_t cap, bool& exact);
+size_t utf16_to_utf32(const ovChar16* src, size_t n, unsigned int* dst, size_t cap, bool& exact);
 size_t utf32_to_utf8(const unsigned int* src, size_t n, char* dst, size_t cap, bool& exact);
 size_t utf32_to_utf16(const unsigned int* src, size_t n, ovChar16* dst, size_t cap, bool& exact);
+
+// Copies n bytes of ASCII into both forms; false (and the outputs unfinished)
+// as soon as a byte is not ASCII.
+bool widen_ascii(const char* src, size_t n, unsigned int* dst32, ovChar16* dst16);
+
+// True when n UTF-16 units convert exactly; `count` is then their code points
+// (no terminator counted) and `zero` says whether one of the units is 0.
+bool count_exact_utf16(const ovChar16* src, size_t n, size_t& count, bool& zero);
+
+// Decodes n units already known to convert exactly into dst, which has room
+// for every code point and the terminator.
+void decode_exact_utf16(const ovChar16* src, size_t n, unsigned int* dst);
+
+// Index of the first 0 among n code points; n when there is none.
+size_t first_zero(const unsigned int* p, size_t n);
 
 // True when n bytes of UTF-8 convert exactly; `count` is then their code
 // points (no terminator counted).

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstdint>
 #include <random>
 #include <string>
 #include <vector>
@@ -37,43 +39,6 @@ Decoded decode(size_t (ConvertUTF::*f)(const Unit*, size_t, unsigned int*, size_
 }
 
 const unsigned int Q = '?';
-
-// An independent decoder written from the rules, one byte at a time, to check
-// the fast paths against.
-codes reference_utf8(const std::string& s, bool& exact) {
-    codes out;
-    exact = true;
-    size_t i = 0;
-    const size_t n = s.size();
-    auto cont = [&](size_t j) { return j < n && (static_cast<unsigned char>(s[j]) >> 6) == 2; };
-    while (i < n) {
-        const unsigned int b = static_cast<unsigned char>(s[i++]);
-        if (b <= 0x80) {
-            out.push_back(b);
-            continue;
-        }
-        if (b < 0xC0 || b >= 0xF8) {
-            exact = false;
-            while (cont(i))
-                ++i;
-            out.push_back(Q);
-            continue;
-        }
-        const int k = b >= 0xF0 ? 3 : b >= 0xE0 ? 2 : 1;
-        unsigned int c = b & (0x3Fu >> k);
-        bool bad = false;
-        for (int j = 0; j < k && !bad; ++j) {
-            bad = !cont(i);
-            if (!bad)
-                c = (c << 6) | (static_cast<unsigned char>(s[i++]) & 0x3F);
-        }
-        const unsigned int least = k == 1 ? 0x80 : k == 2 ? 0x800 : 0x10000;
-        const bool ok = !bad && c >= least && (c < 0xD800 || c > 0xDFFF) && c <= 0x10FFFF;
-        exact = exact && ok;
-        out.push_back(ok ? c : Q);
-    }
-    return out;
-}
 
 // Code points encoded by the plain rules into `cap` units, the way a whole
 // conversion does: "?" for a character that does not fit, a terminator when
@@ -228,51 +193,252 @@ TEST(ConvertUTF, DirectUtf8AndUtf16RoundTrip) {
     EXPECT_TRUE(cv.was_exact());
 }
 
-// The word-at-a-time and inline paths must give exactly what the plain rules
-// give, at every alignment and capacity.
+namespace {
+
+// One code point as a reader of the rules gives it, and whether it was read
+// exactly.
+struct Read {
+    unsigned int code;
+    bool ok;
+};
+typedef std::vector<Read> reads;
+
+reads reference_reads_utf8(const std::string& s) {
+    reads out;
+    size_t i = 0;
+    const size_t n = s.size();
+    auto cont = [&](size_t j) { return j < n && (static_cast<unsigned char>(s[j]) >> 6) == 2; };
+    while (i < n) {
+        const unsigned int b = static_cast<unsigned char>(s[i++]);
+        if (b <= 0x80) {
+            out.push_back({b, true});
+            continue;
+        }
+        if (b < 0xC0 || b >= 0xF8) {
+            while (cont(i))
+                ++i;
+            out.push_back({Q, false});
+            continue;
+        }
+        const int k = b >= 0xF0 ? 3 : b >= 0xE0 ? 2 : 1;
+        unsigned int c = b & (0x3Fu >> k);
+        bool bad = false;
+        for (int j = 0; j < k && !bad; ++j) {
+            bad = !cont(i);
+            if (!bad)
+                c = (c << 6) | (static_cast<unsigned char>(s[i++]) & 0x3F);
+        }
+        const unsigned int least = k == 1 ? 0x80 : k == 2 ? 0x800 : 0x10000;
+        const bool ok = !bad && c >= least && (c < 0xD800 || c > 0xDFFF) && c <= 0x10FFFF;
+        out.push_back({ok ? c : Q, ok});
+    }
+    return out;
+}
+
+reads reference_reads_utf16(const u16string& s) {
+    reads out;
+    size_t i = 0;
+    auto unit = [&](size_t j) { return static_cast<unsigned int>(s[j]); };
+    auto low = [&](size_t j) { return j < s.size() && unit(j) >= 0xDC00 && unit(j) <= 0xDFFF; };
+    while (i < s.size()) {
+        const unsigned int u = unit(i++);
+        if (u < 0xD800 || u > 0xDFFF) {
+            out.push_back({u, true});
+        } else if (u <= 0xDBFF) {
+            if (low(i))
+                out.push_back({(((u - 0xD800) << 10) | (unit(i++) - 0xDC00)) + 0x10000, true});
+            else
+                out.push_back({Q, false});
+        } else {
+            while (low(i))
+                ++i;
+            out.push_back({Q, false});
+        }
+    }
+    return out;
+}
+
+codes codes_of(const reads& in) {
+    codes out;
+    for (const Read& r : in)
+        out.push_back(r.code);
+    return out;
+}
+
+bool all_exact(const reads& in) {
+    for (const Read& r : in)
+        if (!r.ok)
+            return false;
+    return true;
+}
+
+// A whole conversion by the plain rules into `cap` units of `Unit`: read and
+// store while input remains and the output is not full, "?" for a character
+// that does not fit, a terminator when there is room and the last code was not 0.
+template <class Unit>
+std::vector<Unit> reference_convert(const reads& in, size_t cap, bool& exact) {
+    std::vector<Unit> out;
+    exact = true;
+    unsigned int last = Q;
+    for (size_t i = 0; i < in.size() && out.size() < cap; ++i) {
+        const unsigned int c = last = in[i].code;
+        exact = exact && in[i].ok;
+        bool fits = true;
+        std::vector<Unit> units = reference_encode<Unit>({c}, 8, sizeof(Unit) == 1, fits);
+        if (c != 0)
+            units.pop_back(); // its terminator
+        if (sizeof(Unit) == 4)
+            units.assign(1, static_cast<Unit>(c));
+        if (units.size() > cap - out.size()) {
+            exact = false;
+            units.assign(1, static_cast<Unit>(Q));
+        }
+        out.insert(out.end(), units.begin(), units.end());
+    }
+    if (last != 0 && out.size() < cap)
+        out.push_back(0);
+    return out;
+}
+
+// Checks one ConvertUTF conversion against the plain rules: the counted size,
+// then the whole text, then a random cut, each from a misaligned copy of the
+// input, and never a unit written past the capacity.
+template <class In, class Out>
+void check_conversion(size_t (ConvertUTF::*f)(const In*, size_t, Out*, size_t) const,
+                      const std::basic_string<In>& text, const reads& expected, std::mt19937& rng) {
+    const size_t shift = rng() % 8;
+    std::vector<In> input(shift + text.size() + 1);
+    std::copy(text.begin(), text.end(), input.begin() + shift);
+    const In* src = input.data() + shift;
+
+    ConvertUTF cv;
+    bool exact;
+    const size_t need = reference_convert<Out>(expected, SIZE_MAX, exact).size();
+    ASSERT_EQ((cv.*f)(src, text.size(), nullptr, 0), need) << "counted size";
+    ASSERT_EQ(cv.was_exact(), exact) << "counted exactness";
+    for (size_t cap : {need, size_t(rng() % need + 1)}) {
+        const std::vector<Out> want = reference_convert<Out>(expected, cap, exact);
+        std::vector<Out> out(cap + 8, static_cast<Out>(0x23));
+        const size_t got = (cv.*f)(src, text.size(), out.data(), cap);
+        ASSERT_EQ(out[cap], static_cast<Out>(0x23)) << "wrote past capacity " << cap;
+        out.resize(got);
+        ASSERT_EQ(out, want) << "capacity " << cap << " of " << need;
+        ASSERT_EQ(cv.was_exact(), exact) << "capacity " << cap;
+    }
+}
+
+// Text built from pieces: runs of ASCII long enough to fill whole vector
+// blocks, characters of every length, and (when bad is set) every kind of
+// broken sequence, including 0 units inside the text.
+std::string random_utf8(std::mt19937& rng, bool bad) {
+    static const std::string good[] = {"a",
+                                       "bcdefgh",
+                                       "0123456789abcdef0123456789ABCDEF0123456789abcdef",
+                                       "\x80",
+                                       "\xC3\xA9",
+                                       "\xDF\xBF",
+                                       "\xE2\x82\xAC",
+                                       "\xEF\xBF\xBF",
+                                       "\xF0\x9F\x98\x80",
+                                       "\xF4\x8F\xBF\xBF"};
+    static const std::string broken[] = {
+        "\xC3",         "\xED\xA0\x80",     "\x81\x82",          "\xF8\x88",
+        "\xE0\x80\x80", "\xF0\x8F\xBF\xBF", "\xF4\x90\x80\x80",  "\xC1\xBF",
+        "\xF5\x80",     "\xE2\x82",         std::string(1, '\0')};
+    std::string s;
+    const int pieces = static_cast<int>(rng() % 3 ? rng() % 40 : rng() % 300);
+    const int ascii_weight = static_cast<int>(rng() % 4); // some texts are mostly ASCII
+    for (int i = 0; i < pieces; ++i) {
+        if (bad && rng() % 16 == 0)
+            s += broken[rng() % 11];
+        else if (static_cast<int>(rng() % 4) < ascii_weight)
+            s += good[rng() % 3];
+        else
+            s += good[rng() % 10];
+    }
+    return s;
+}
+
+u16string random_utf16(std::mt19937& rng, bool bad) {
+    static const u16string good[] = {u16({'a'}),
+                                     u16({'0', '1', '2', '3', '4', '5', '6', '7', '8', '9', 'a',
+                                          'b', 'c', 'd', 'e', 'f', 'g', 'h', 'i'}),
+                                     u16({0x7F, 0x80}),
+                                     u16({0xE9}),
+                                     u16({0x7FF, 0x800}),
+                                     u16({0x20AC}),
+                                     u16({0xFFFF}),
+                                     u16({0xD83D, 0xDE00}),
+                                     u16({0xDBFF, 0xDFFF})};
+    static const u16string broken[] = {u16({0xD800}), u16({0xDC00}), u16({0xDC00, 0xDFFF}),
+                                       u16({0xDBFF, 'x'}), u16({0})};
+    u16string s;
+    const int pieces = static_cast<int>(rng() % 3 ? rng() % 40 : rng() % 200);
+    const int ascii_weight = static_cast<int>(rng() % 4);
+    for (int i = 0; i < pieces; ++i) {
+        if (bad && rng() % 12 == 0)
+            s += broken[rng() % 5];
+        else if (static_cast<int>(rng() % 4) < ascii_weight)
+            s += good[rng() % 2];
+        else
+            s += good[rng() % 9];
+    }
+    return s;
+}
+
+} // namespace
+
+// The block, vector and word-at-a-time paths must give exactly what the plain
+// rules give, for every conversion, at every alignment and capacity; and the
+// string type's own decoders with them.
 TEST(ConvertUTF, FastPathsAgreeWithTheRulesOnRandomInput) {
     std::mt19937 rng(12345);
-    const char* pieces[] = {"a",
-                            "bcdefgh",
-                            "0123456789abcdef",
-                            "\x80",
-                            "\xC3\xA9",
-                            "\xE2\x82\xAC",
-                            "\xF0\x9F\x98\x80",
-                            "\xC3",
-                            "\xED\xA0\x80",
-                            "\x81\x82",
-                            "\xF8",
-                            "\xE0\x80\x80",
-                            "\xF4\x90\x80\x80"};
-    for (int round = 0; round < 600; ++round) {
-        std::string s;
-        // Mostly short texts, some long enough to cross several 64-byte blocks;
-        // odd rounds mix in bad input.
-        const int len = static_cast<int>(rng() % (round % 3 ? 24 : 120));
-        for (int i = 0; i < len; ++i)
-            s += pieces[rng() % (round % 2 ? 13 : 7)];
+    for (int round = 0; round < 1500; ++round) {
         SCOPED_TRACE(testing::Message() << "round " << round);
-        bool exact;
-        const codes expected = reference_utf8(s, exact);
-        const Decoded d = decode(&ConvertUTF::utf8_to_utf32, s);
-        ASSERT_EQ(d.out, expected);
-        ASSERT_EQ(d.exact, exact);
+        const bool bad = round % 2 != 0;
 
-        // Cut into a too-small buffer: a prefix, never past the capacity.
-        const size_t cap = rng() % (expected.size() + 1) + 1;
-        std::vector<unsigned int> small(cap + 1, 0xEEEEEEEE);
-        const size_t got = ConvertUTF().utf8_to_utf32(s.data(), s.size(), small.data(), cap);
-        ASSERT_LE(got, cap);
-        ASSERT_EQ(small[cap], 0xEEEEEEEEu);
-        for (size_t i = 0; i < got && i < expected.size(); ++i)
-            ASSERT_EQ(small[i], expected[i]) << "at " << i;
-
-        if (exact) { // and the string type's own decoder agrees
-            const ovString str = from_utf8(s);
-            ASSERT_FALSE(str.failed());
-            ASSERT_EQ(code_points(str), expected);
+        const std::string s = random_utf8(rng, bad);
+        const reads from8 = reference_reads_utf8(s);
+        {
+            SCOPED_TRACE("utf8_to_utf32");
+            check_conversion(&ConvertUTF::utf8_to_utf32, s, from8, rng);
         }
+        {
+            SCOPED_TRACE("utf8_to_utf16");
+            check_conversion(&ConvertUTF::utf8_to_utf16, s, from8, rng);
+        }
+        if (s.find('\0') == std::string::npos) {
+            const ovString str = from_utf8(s);
+            ASSERT_EQ(str.failed(), !all_exact(from8));
+            if (!str.failed()) {
+                ASSERT_EQ(code_points(str), codes_of(from8));
+                bool exact;
+                const std::vector<ovChar16> utf16 =
+                    reference_convert<ovChar16>(from8, SIZE_MAX, exact);
+                ASSERT_EQ(u16string(str.convert(ovSTRING_UTF16)), u16string(utf16.data()));
+            }
+        }
+
+        const u16string u = random_utf16(rng, bad);
+        const reads from16 = reference_reads_utf16(u);
+        {
+            SCOPED_TRACE("utf16_to_utf32");
+            check_conversion(&ConvertUTF::utf16_to_utf32, u, from16, rng);
+        }
+        {
+            SCOPED_TRACE("utf16_to_utf8");
+            check_conversion(&ConvertUTF::utf16_to_utf8, u, from16, rng);
+        }
+        int st = -1;
+        const ovString str16(ovSTRING_UTF16, u.data(), u.size(), st);
+        ASSERT_EQ(st, all_exact(from16) ? 0 : 1);
+        if (st == 0) {
+            codes want = codes_of(from16);
+            want.erase(std::find(want.begin(), want.end(), 0u), want.end()); // a 0 cuts the text
+            ASSERT_EQ(code_points(str16), want);
+        }
+        if (HasFatalFailure())
+            return;
     }
 }
 
@@ -305,9 +471,11 @@ TEST(ConvertUTF, EncodingFastPathsAgreeWithTheRules) {
                                     0x800,    0xD800,   0xFFFF,   0x10000,  0x1F600,
                                     0x10FFFF, 0x110000, 0x1FFFFF, 0x200041, 0xFFFFFFFF};
     for (int round = 0; round < 400; ++round) {
-        codes in(rng() % 80);
+        // Some rounds are nearly all ASCII, so runs fill the wide paths.
+        codes in(rng() % (round % 4 ? 80 : 300));
+        const unsigned odds = round % 3 ? 3 : 40;
         for (unsigned int& c : in)
-            c = rng() % 3 ? 'a' + rng() % 26 : samples[rng() % 15];
+            c = rng() % odds ? 'a' + rng() % 26 : samples[rng() % 15];
         SCOPED_TRACE(testing::Message() << "round " << round);
         check_encode<ovChar16>(&ConvertUTF::utf32_to_utf16, in, rng);
         check_encode<char>(&ConvertUTF::utf32_to_utf8, in, rng);

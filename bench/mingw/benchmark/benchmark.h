@@ -8,7 +8,9 @@
 #include <chrono>
 #include <cstdint>
 #include <cstdio>
+#include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace benchmark {
@@ -36,9 +38,12 @@ public:
     int64_t iterations() const { return m_iterations; }
     void SkipWithError(const char* message) { m_error = message; }
     const std::string& error() const { return m_error; }
+    void SetBytesProcessed(int64_t bytes) { m_bytes = bytes; }
+    int64_t bytes() const { return m_bytes; }
 
 private:
     int64_t m_iterations;
+    int64_t m_bytes = 0;
     std::string m_error;
 };
 
@@ -51,39 +56,41 @@ template <class T> inline void DoNotOptimize(const T& value) {
 
 namespace internal {
 
-typedef void (*Function)(State&);
+typedef std::function<void(State&)> Function;
 
-inline std::vector<std::pair<const char*, Function>>& registry() {
-    static std::vector<std::pair<const char*, Function>> all;
+inline std::vector<std::pair<std::string, Function>>& registry() {
+    static std::vector<std::pair<std::string, Function>> all;
     return all;
 }
 
 inline int add(const char* name, Function f) {
-    registry().emplace_back(name, f);
+    registry().emplace_back(name, std::move(f));
     return 0;
 }
 
 // One round of n iterations; seconds taken, or a negative value after SkipWithError.
-inline double round(Function f, int64_t n, std::string& error) {
+// `bytes` gets what the benchmark said it processed.
+inline double round(const Function& f, int64_t n, std::string& error, int64_t& bytes) {
     State state(n);
     const auto start = std::chrono::steady_clock::now();
     f(state);
     const double seconds =
         std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
     error = state.error();
+    bytes = state.bytes();
     return error.empty() ? seconds : -1;
 }
 
 inline int run_all() {
     const auto& all = registry();
     constexpr int kRounds = 7;
-    std::vector<int64_t> counts(all.size(), 1);
+    std::vector<int64_t> counts(all.size(), 1), bytes(all.size(), 0);
     std::vector<std::vector<double>> times(all.size());
     std::vector<std::string> errors(all.size());
     // Counts that make a round last about 0.2 s.
     for (size_t i = 0; i < all.size(); ++i) {
         for (;;) {
-            const double s = round(all[i].second, counts[i], errors[i]);
+            const double s = round(all[i].second, counts[i], errors[i], bytes[i]);
             if (s < 0 || s >= 0.2 || counts[i] >= (int64_t{1} << 40))
                 break;
             const double grow = s > 0 ? 0.25 / s : 100.0;
@@ -96,24 +103,34 @@ inline int run_all() {
     for (int r = 0; r < kRounds; ++r)
         for (size_t i = 0; i < all.size(); ++i)
             if (errors[i].empty())
-                times[i].push_back(round(all[i].second, counts[i], errors[i]));
-    std::printf("%-40s %15s %12s   (median of %d interleaved rounds)\n", "Benchmark", "Time",
-                "Iterations", kRounds);
+                times[i].push_back(round(all[i].second, counts[i], errors[i], bytes[i]));
+    std::printf("%-40s %15s %12s %12s   (median of %d interleaved rounds)\n", "Benchmark", "Time",
+                "Iterations", "MB/s", kRounds);
     for (size_t i = 0; i < all.size(); ++i) {
         if (!errors[i].empty()) {
-            std::printf("%-40s ERROR OCCURRED: '%s'\n", all[i].first, errors[i].c_str());
+            std::printf("%-40s ERROR OCCURRED: '%s'\n", all[i].first.c_str(), errors[i].c_str());
             continue;
         }
         std::vector<double> t = times[i];
         std::sort(t.begin(), t.end());
-        std::printf("%-40s %12.0f ns %12lld\n", all[i].first,
-                    t[t.size() / 2] * 1e9 / static_cast<double>(counts[i]),
+        const double median = t[t.size() / 2];
+        std::printf("%-40s %12.0f ns %12lld", all[i].first.c_str(),
+                    median * 1e9 / static_cast<double>(counts[i]),
                     static_cast<long long>(counts[i]));
+        if (bytes[i] > 0)
+            std::printf(" %12.1f", static_cast<double>(bytes[i]) / median / 1e6);
+        std::printf("\n");
     }
     return 0;
 }
 
 } // namespace internal
+
+// A benchmark under a name made at run time, given extra arguments.
+template <class F, class... Args> void RegisterBenchmark(const char* name, F f, Args... args) {
+    internal::add(name, [=](State& state) { f(state, args...); });
+}
+
 } // namespace benchmark
 
 #define BENCHMARK_CAT2(a, b) a##b
