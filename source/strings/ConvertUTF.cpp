@@ -772,8 +772,8 @@ void decode_exact_utf16(const ovChar16* src, size_t n, unsigned int* dst) {
 size_t first_zero(const unsigned int* p, size_t n) {
     size_t i = 0;
     for (; n - i >= 8; i += 8) {
-        const unsigned zeros = simd::zero_lanes32(simd::load(p + i)) |
-                               (simd::zero_lanes32(simd::load(p + i + 4)) << 4);
+        const unsigned zeros =
+            simd::equal32(simd::load(p + i), 0) | (simd::equal32(simd::load(p + i + 4), 0) << 4);
         if (zeros)
             return i + lowest_bit64(zeros);
     }

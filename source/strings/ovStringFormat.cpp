@@ -11,6 +11,7 @@
 #include "ovra/ovStringFormat.h"
 
 #include "common/bits.h"
+#include "strings/simd.h"
 #include "strings/text_builder.h"
 #include "strings/utf_codec.h"
 
@@ -21,10 +22,6 @@
 #include <new>
 #include <type_traits>
 #include <utility>
-
-#if defined(__SSE2__)
-#include <emmintrin.h>
-#endif
 
 namespace ovra_format {
 
@@ -830,15 +827,11 @@ namespace {
 
 // The index of the first "%" in t[i, len), or len.
 inline size_t find_percent(const unsigned int* t, size_t i, size_t len) noexcept {
-#if defined(__SSE2__)
-    const __m128i percent = _mm_set1_epi32('%');
     for (; i + 4 <= len; i += 4) {
-        const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(t + i));
-        const int mask = _mm_movemask_ps(_mm_castsi128_ps(_mm_cmpeq_epi32(v, percent)));
+        const unsigned mask = ovra_internal::simd::equal32(ovra_internal::simd::load(t + i), '%');
         if (mask)
-            return i + ovra_internal::lowest_bit64(static_cast<unsigned int>(mask));
+            return i + ovra_internal::lowest_bit64(mask);
     }
-#endif
     while (i < len && t[i] != '%')
         ++i;
     return i;

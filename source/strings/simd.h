@@ -175,10 +175,10 @@ inline void utf8_words(V128 x, uint32_t* words, uint32_t* lens) {
     _mm_storeu_si128(reinterpret_cast<__m128i*>(lens), len);
 }
 
-// Lanes of 32-bit zeros: one bit per lane.
-inline unsigned zero_lanes32(V128 x) {
-    return static_cast<unsigned>(
-        _mm_movemask_ps(_mm_castsi128_ps(_mm_cmpeq_epi32(x.v, _mm_setzero_si128()))));
+// 32-bit lanes equal to `value`: one bit per lane.
+inline unsigned equal32(V128 x, uint32_t value) {
+    const __m128i v = _mm_set1_epi32(static_cast<int>(value));
+    return static_cast<unsigned>(_mm_movemask_ps(_mm_castsi128_ps(_mm_cmpeq_epi32(x.v, v))));
 }
 
 #else // the portable form: the same answers, one lane at a time
@@ -329,10 +329,10 @@ inline void utf8_words(V128 x, uint32_t* words, uint32_t* lens) {
     }
 }
 
-inline unsigned zero_lanes32(V128 x) {
+inline unsigned equal32(V128 x, uint32_t value) {
     unsigned m = 0;
     for (int i = 0; i < 4; ++i)
-        m |= static_cast<unsigned>(x.u32(i) == 0) << i;
+        m |= static_cast<unsigned>(x.u32(i) == value) << i;
     return m;
 }
 
