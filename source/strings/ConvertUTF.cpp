@@ -364,29 +364,6 @@ bool widen_ascii(const char* src, size_t n, unsigned int* dst32, ovChar16* dst16
 
 namespace {
 
-// The reading loop of a whole conversion from where a fast loop stopped: reads
-// and stores while input remains and the output is not full, then ends the
-// output the way every conversion does.
-template <class R, class W>
-size_t finish(const typename R::unit* p, const typename R::unit* end, typename W::unit* dst,
-              typename W::unit* o, const typename W::unit* oend, unsigned int last, bool& exact) {
-    while (p < end && o < oend) {
-        if (end - p >= 8 && oend - o >= 8 && R::ascii8(p)) {
-            for (int i = 0; i < 8; ++i)
-                o[i] = static_cast<typename W::unit>(R::value(p[i]));
-            p += 8;
-            o += 8;
-            last = R::value(p[-1]);
-            continue;
-        }
-        last = R::read(p, end, exact);
-        W::store(last, o, oend, exact);
-    }
-    if (last != 0 && o < oend)
-        *o++ = 0;
-    return static_cast<size_t>(o - dst);
-}
-
 // UTF-8 into a buffer, a checked block at a time while there is room for a
 // whole block; the first block that breaks a rule, and whatever does not fill
 // a block, go through the reader that follows the rules one character at a

@@ -243,6 +243,29 @@ struct Utf32 {
     }
 };
 
+// The reading loop of a whole conversion from where a fast loop stopped: reads
+// and stores while input remains and the output is not full, then ends the
+// output the way every conversion does.
+template <class R, class W>
+size_t finish(const typename R::unit* p, const typename R::unit* end, typename W::unit* dst,
+              typename W::unit* o, const typename W::unit* oend, unsigned int last, bool& exact) {
+    while (p < end && o < oend) {
+        if (end - p >= 8 && oend - o >= 8 && R::ascii8(p)) {
+            for (int i = 0; i < 8; ++i)
+                o[i] = static_cast<typename W::unit>(R::value(p[i]));
+            p += 8;
+            o += 8;
+            last = R::value(p[-1]);
+            continue;
+        }
+        last = R::read(p, end, exact);
+        W::store(last, o, oend, exact);
+    }
+    if (last != 0 && o < oend)
+        *o++ = 0;
+    return static_cast<size_t>(o - dst);
+}
+
 // One whole conversion: with no output (null dst or cap 0) the size needed
 // including one terminator; otherwise the units written. A terminator is added
 // unless the last code read was 0; output that fills up gets none.
@@ -271,23 +294,7 @@ size_t convert(const typename R::unit* src, size_t n, typename W::unit* dst, siz
         return last == 0 ? count : count + 1;
     }
 
-    typename W::unit* o = dst;
-    const typename W::unit* const oend = dst + cap;
-    while (p < end && o < oend) {
-        if (end - p >= 8 && oend - o >= 8 && R::ascii8(p)) {
-            for (int i = 0; i < 8; ++i)
-                o[i] = static_cast<typename W::unit>(R::value(p[i]));
-            p += 8;
-            o += 8;
-            last = R::value(p[-1]);
-            continue;
-        }
-        last = R::read(p, end, exact);
-        W::store(last, o, oend, exact);
-    }
-    if (last != 0 && o < oend)
-        *o++ = 0;
-    return static_cast<size_t>(o - dst);
+    return finish<R, W>(p, end, dst, dst, dst + cap, last, exact);
 }
 
 // ConvertUTF's conversions with their fast paths; each gives exactly what
