@@ -40,40 +40,6 @@ Decoded decode(size_t (ConvertUTF::*f)(const Unit*, size_t, unsigned int*, size_
 
 const unsigned int Q = '?';
 
-// Code points encoded by the plain rules into `cap` units, the way a whole
-// conversion does: "?" for a character that does not fit, a terminator when
-// there is room and the last code was not 0.
-template <class Unit>
-std::vector<Unit> reference_encode(const codes& in, size_t cap, bool utf8, bool& exact) {
-    std::vector<Unit> out;
-    exact = true;
-    unsigned int last = Q;
-    for (size_t i = 0; i < in.size() && out.size() < cap; ++i) {
-        const unsigned int c = last = in[i];
-        std::vector<Unit> units;
-        if (utf8) {
-            const int k = (c >= 0x80) + (c > 0x7FF) + (c > 0xFFFF);
-            const unsigned lead[] = {0, 0xC0, 0xE0, 0xF0};
-            units.push_back(static_cast<Unit>(k ? lead[k] | ((c >> (6 * k)) & (0x3Fu >> k)) : c));
-            for (int j = k - 1; j >= 0; --j)
-                units.push_back(static_cast<Unit>(0x80 | ((c >> (6 * j)) & 0x3F)));
-        } else if (c >= 0x10000) {
-            units.push_back(static_cast<Unit>(0xD800 | (((c - 0x10000) >> 10) & 0x3FF)));
-            units.push_back(static_cast<Unit>(0xDC00 | ((c - 0x10000) & 0x3FF)));
-        } else {
-            units.push_back(static_cast<Unit>(c));
-        }
-        if (units.size() > cap - out.size()) {
-            exact = false;
-            units.assign(1, static_cast<Unit>(Q));
-        }
-        out.insert(out.end(), units.begin(), units.end());
-    }
-    if (last != 0 && out.size() < cap)
-        out.push_back(0);
-    return out;
-}
-
 } // namespace
 
 TEST(ConvertUTF, DecodingFollowsTheRules) {
@@ -272,6 +238,25 @@ bool all_exact(const reads& in) {
     return true;
 }
 
+// One code point in units of `Unit` by the plain rules: UTF-8 bytes, UTF-16
+// units with pairs above 0xFFFF, or the code point itself.
+template <class Unit> std::vector<Unit> units_of(unsigned int c) {
+    std::vector<Unit> units;
+    if (sizeof(Unit) == 1) {
+        const int k = (c >= 0x80) + (c > 0x7FF) + (c > 0xFFFF);
+        const unsigned lead[] = {0, 0xC0, 0xE0, 0xF0};
+        units.push_back(static_cast<Unit>(k ? lead[k] | ((c >> (6 * k)) & (0x3Fu >> k)) : c));
+        for (int j = k - 1; j >= 0; --j)
+            units.push_back(static_cast<Unit>(0x80 | ((c >> (6 * j)) & 0x3F)));
+    } else if (sizeof(Unit) == 2 && c >= 0x10000) {
+        units.push_back(static_cast<Unit>(0xD800 | (((c - 0x10000) >> 10) & 0x3FF)));
+        units.push_back(static_cast<Unit>(0xDC00 | ((c - 0x10000) & 0x3FF)));
+    } else {
+        units.push_back(static_cast<Unit>(c));
+    }
+    return units;
+}
+
 // A whole conversion by the plain rules into `cap` units of `Unit`: read and
 // store while input remains and the output is not full, "?" for a character
 // that does not fit, a terminator when there is room and the last code was not 0.
@@ -283,12 +268,7 @@ std::vector<Unit> reference_convert(const reads& in, size_t cap, bool& exact) {
     for (size_t i = 0; i < in.size() && out.size() < cap; ++i) {
         const unsigned int c = last = in[i].code;
         exact = exact && in[i].ok;
-        bool fits = true;
-        std::vector<Unit> units = reference_encode<Unit>({c}, 8, sizeof(Unit) == 1, fits);
-        if (c != 0)
-            units.pop_back(); // its terminator
-        if (sizeof(Unit) == 4)
-            units.assign(1, static_cast<Unit>(c));
+        std::vector<Unit> units = units_of<Unit>(c);
         if (units.size() > cap - out.size()) {
             exact = false;
             units.assign(1, static_cast<Unit>(Q));
@@ -298,6 +278,14 @@ std::vector<Unit> reference_convert(const reads& in, size_t cap, bool& exact) {
     if (last != 0 && out.size() < cap)
         out.push_back(0);
     return out;
+}
+
+// Code points encoded the way a whole conversion does: every one read exactly.
+template <class Unit> std::vector<Unit> reference_encode(const codes& in, size_t cap, bool& exact) {
+    reads r;
+    for (unsigned int c : in)
+        r.push_back({c, true});
+    return reference_convert<Unit>(r, cap, exact);
 }
 
 // Checks one ConvertUTF conversion against the plain rules: the counted size,
@@ -451,8 +439,7 @@ void check_encode(size_t (ConvertUTF::*f)(const unsigned int*, size_t, Unit*, si
     const size_t need = (cv.*f)(in.data(), in.size(), nullptr, 0);
     for (size_t cap : {need, need ? rng() % need + 1 : 1}) {
         bool exact;
-        const std::vector<Unit> expected =
-            reference_encode<Unit>(in, cap, sizeof(Unit) == 1, exact);
+        const std::vector<Unit> expected = reference_encode<Unit>(in, cap, exact);
         std::vector<Unit> out(cap + 4, static_cast<Unit>(0x23));
         const size_t got = (cv.*f)(in.data(), in.size(), out.data(), cap);
         ASSERT_EQ(out[cap], static_cast<Unit>(0x23)) << "past capacity";
