@@ -117,28 +117,64 @@ struct BlockMasks {
     uint64_t eq80, eqE0, eqED, eqF0, eqF4;
 };
 
+// Every class is a formula on the bytes' bits, b[k] marking the bytes with
+// bit k set, so a block's classes cost a few word operations.
+constexpr BlockMasks classes_of(const uint64_t (&b)[8]) {
+    const uint64_t low4 = b[3] | b[2] | b[1] | b[0];
+    BlockMasks m{};
+    m.ge80 = b[7];
+    m.geC0 = b[7] & b[6];
+    m.geE0 = m.geC0 & b[5];
+    m.geF0 = m.geE0 & b[4];
+    m.geC2 = m.geC0 & (b[5] | b[4] | b[3] | b[2] | b[1]);
+    m.geF5 = m.geF0 & (b[3] | (b[2] & (b[1] | b[0])));
+    m.ge90 = b[7] & (b[6] | b[5] | b[4]);
+    m.geA0 = b[7] & (b[6] | b[5]);
+    m.eq80 = b[7] & ~(b[6] | b[5] | b[4] | low4);
+    m.eqE0 = m.geE0 & ~(b[4] | low4);
+    m.eqED = m.geE0 & ~b[4] & b[3] & b[2] & ~b[1] & b[0];
+    m.eqF0 = m.geF0 & ~low4;
+    m.eqF4 = m.geF0 & ~b[3] & b[2] & ~b[1] & ~b[0];
+    return m;
+}
+
+constexpr bool classes_match_the_scanner() {
+    for (unsigned v = 0; v < 256; ++v) {
+        uint64_t b[8] = {};
+        for (int k = 0; k < 8; ++k)
+            b[k] = (v >> k) & 1;
+        const BlockMasks m = classes_of(b);
+        const uint64_t want[13] = {v >= 0x80, v >= 0xC0,          v >= kFirstLead, v >= 0xE0,
+                                   v >= 0xF0, v >= kPastLastLead, v >= kF0Floor,   v >= kE0Floor,
+                                   v == 0x80, v == 0xE0,          v == 0xED,       v == 0xF0,
+                                   v == 0xF4};
+        const uint64_t got[13] = {m.ge80, m.geC0, m.geC2, m.geE0, m.geF0, m.geF5, m.ge90,
+                                  m.geA0, m.eq80, m.eqE0, m.eqED, m.eqF0, m.eqF4};
+        for (int i = 0; i < 13; ++i)
+            if (want[i] != got[i])
+                return false;
+    }
+    return true;
+}
+static_assert(classes_match_the_scanner(), "a byte class formula is wrong");
+
 // Inlined so the loops keep its constants in registers.
 OVRA_ALWAYS_INLINE BlockMasks classify(const unsigned char* p) {
     using namespace simd;
-    BlockMasks m{};
+    uint64_t b[8] = {};
     for (int j = 0; j < 4; ++j) {
         const V128 x = load(p + 16 * j);
         const int at = 16 * j;
-        m.ge80 |= uint64_t(high8(x)) << at;
-        m.geC0 |= uint64_t(at_least8(x, 0xC0)) << at;
-        m.geC2 |= uint64_t(at_least8(x, kFirstLead)) << at;
-        m.geE0 |= uint64_t(at_least8(x, 0xE0)) << at;
-        m.geF0 |= uint64_t(at_least8(x, 0xF0)) << at;
-        m.geF5 |= uint64_t(at_least8(x, kPastLastLead)) << at;
-        m.ge90 |= uint64_t(at_least8(x, kF0Floor)) << at;
-        m.geA0 |= uint64_t(at_least8(x, kE0Floor)) << at;
-        m.eq80 |= uint64_t(equal8(x, 0x80)) << at;
-        m.eqE0 |= uint64_t(equal8(x, 0xE0)) << at;
-        m.eqED |= uint64_t(equal8(x, 0xED)) << at;
-        m.eqF0 |= uint64_t(equal8(x, 0xF0)) << at;
-        m.eqF4 |= uint64_t(equal8(x, 0xF4)) << at;
+        b[7] |= uint64_t(bit8<7>(x)) << at;
+        b[6] |= uint64_t(bit8<6>(x)) << at;
+        b[5] |= uint64_t(bit8<5>(x)) << at;
+        b[4] |= uint64_t(bit8<4>(x)) << at;
+        b[3] |= uint64_t(bit8<3>(x)) << at;
+        b[2] |= uint64_t(bit8<2>(x)) << at;
+        b[1] |= uint64_t(bit8<1>(x)) << at;
+        b[0] |= uint64_t(bit8<0>(x)) << at;
     }
-    return m;
+    return classes_of(b);
 }
 
 // True when a block holds a byte with the top bit set.
@@ -293,6 +329,26 @@ struct FastUtf32 {
     }
 };
 
+// Writes the characters that start at `starts` in a checked block (the 2
+// bytes after it may be read); `fours` marks the starts of 4-byte ones. Every
+// shorter character is worked out for all positions at once, so that each
+// costs no more than its store.
+template <class W>
+typename W::unit* put_starts(const unsigned char* b, uint64_t starts, uint64_t fours,
+                             typename W::unit* o) {
+    uint16_t units[kBlock];
+    for (size_t j = 0; j < kBlock; j += 16)
+        simd::utf8_units16(b + j, units + j);
+    for (; starts; starts &= starts - 1) {
+        const unsigned at = lowest_bit64(starts);
+        if ((fours >> at) & 1) // rare, so the branch is cheap
+            o = W::put(decode_at(b + at), o);
+        else
+            *o++ = static_cast<typename W::unit>(units[at]);
+    }
+    return o;
+}
+
 } // namespace
 
 bool count_exact_utf8(const char* src, size_t n, size_t& count) {
@@ -307,14 +363,12 @@ void decode_exact_utf8(const char* src, size_t n, unsigned int* dst) {
     const unsigned char* const end = p + n;
     size_t k = 0;
     uint64_t carry = 0; // bytes of this block that continue the last one's character
-    // Character starts are known for a whole block at once (see check_block),
-    // and each character is decoded on its own.
+    // Character starts are known for a whole block at once (see check_block).
     auto decode_block = [&](const unsigned char* b, uint64_t valid) {
         const BlockMasks m = classify(b);
         const uint64_t covered = (m.geC0 << 1) | (m.geE0 << 2) | (m.geF0 << 3) | carry;
         carry = (m.geC0 >> 63) | (m.geE0 >> 62) | (m.geF0 >> 61);
-        for (uint64_t starts = ~covered & valid; starts; starts &= starts - 1)
-            dst[k++] = decode_at(b + lowest_bit64(starts));
+        k = static_cast<size_t>(put_starts<FastUtf32>(b, ~covered & valid, m.geF0, dst + k) - dst);
     };
     while (static_cast<size_t>(end - p) >= kBlock + 3) {
         if (carry == 0 && !any_high(p)) { // plain ASCII
@@ -339,6 +393,19 @@ void decode_exact_utf8(const char* src, size_t n, unsigned int* dst) {
         p += left;
     }
     dst[k] = 0;
+}
+
+void copy_ascii(const char* src, size_t n, unsigned int* dst) {
+    if (n < 16) {
+        for (size_t i = 0; i < n; ++i)
+            dst[i] = static_cast<unsigned char>(src[i]);
+        return;
+    }
+    size_t i = 0;
+    for (; n - i >= 16; i += 16)
+        simd::widen8_to32(simd::load(src + i), dst + i);
+    if (i < n) // the last 16 again, overlapping what is done
+        simd::widen8_to32(simd::load(src + n - 16), dst + n - 16);
 }
 
 bool widen_ascii(const char* src, size_t n, unsigned int* dst32, ovChar16* dst16) {
@@ -407,8 +474,10 @@ size_t decode_utf8(const char* src, size_t n, typename W::unit* dst, size_t cap,
             pending = p + top;
             starts &= ~(uint64_t(1) << top);
         }
-        for (; starts; starts &= starts - 1)
-            o = W::put(last = decode_at(p + lowest_bit64(starts)), o);
+        if (starts) {
+            o = put_starts<W>(p, starts, m.geF0, o);
+            last = o[-1]; // only whether it is 0 counts, and a pair's second half is not
+        }
         p += kBlock;
     }
     const unsigned char* r = pending ? pending : p;
@@ -448,8 +517,10 @@ size_t decode_utf8(const char* src, size_t n, typename W::unit* dst, size_t cap,
             const size_t units = popcount64(starts) + popcount64(starts & mk.geF0);
             if (units > static_cast<size_t>(oend - o))
                 break;
-            for (; starts; starts &= starts - 1)
-                o = W::put(last = decode_at(piece + lowest_bit64(starts)), o);
+            if (starts) {
+                o = put_starts<W>(piece, starts, mk.geF0, o);
+                last = o[-1];
+            }
             r += next;
         }
     }
@@ -461,34 +532,61 @@ size_t decode_utf8(const char* src, size_t n, typename W::unit* dst, size_t cap,
 
 namespace {
 
-constexpr uint32_t kUtf8Marks[4] = {0, 0x80C0u, 0x8080E0u, 0x808080F0u};
-
-// The bytes of c's UTF-8 form (k + 1 of them) in the low bytes of a word, lowest first.
-inline uint32_t utf8_word(unsigned int c, size_t k) {
-    const uint32_t spread = ((c >> 18) & 0x07u) | (((c >> 12) & 0x3Fu) << 8) |
-                            (((c >> 6) & 0x3Fu) << 16) | ((c & 0x3Fu) << 24);
-    const uint32_t wide = (spread >> (8 * (3 - k))) | kUtf8Marks[k];
-    const uint32_t multi = 0u - static_cast<uint32_t>(k != 0); // no branch: k is random
-    return (wide & multi) | (c & ~multi);
-}
-
-// Eight code points as UTF-8, each written as one word of which only its own
-// bytes count. Worked out first, so that a group writes only when the room
-// left takes its bytes and the 3 a word may write past them.
+// Eight code points as UTF-8, but those of the lanes in `drop`, each written
+// as one word of which only its own bytes count. Worked out first, so that a
+// group writes only what the room left takes.
 struct Utf8Group {
     uint32_t words[8], lens[8];
     size_t bytes;
 
+    // Code points, in two groups of 4.
     Utf8Group(simd::V128 a, simd::V128 b) {
         simd::utf8_words(a, words, lens);
         simd::utf8_words(b, words + 4, lens + 4);
+        sum();
+    }
+    // UTF-16 units with no surrogate among them.
+    explicit Utf8Group(simd::V128 x) {
+        uint16_t n[8];
+        simd::utf8_words16(x, words, n);
+        for (int i = 0; i < 8; ++i)
+            lens[i] = n[i];
+        sum();
+    }
+    // UTF-16 units whose surrogates pair up, the first halves in `highs`,
+    // but for the lanes in `drop`.
+    Utf8Group(simd::V128 x, unsigned highs, unsigned drop = 0) {
+        simd::V128 lo, hi;
+        simd::join_pairs16(x, 0, lo, hi);
+        simd::utf8_words(lo, words, lens);
+        simd::utf8_words(hi, words + 4, lens + 4);
+        for (unsigned d = drop | (highs << 1); d; d &= d - 1)
+            lens[lowest_bit64(d)] = 0;
+        sum();
+    }
+    // Writes the group when its bytes fit, else nothing; the end of the room
+    // is never written past.
+    bool put(char*& o, const char* end) const {
+        const size_t room = static_cast<size_t>(end - o);
+        if (bytes + 4 <= room) { // each word writes 4 bytes, a dropped lane's too
+            o = put_words(o);
+        } else if (bytes <= room) {
+            char last[8 * 4 + 4];
+            put_words(last);
+            std::memcpy(o, last, bytes);
+            o += bytes;
+        } else {
+            return false;
+        }
+        return true;
+    }
+
+private:
+    void sum() {
         bytes =
             size_t(lens[0]) + lens[1] + lens[2] + lens[3] + lens[4] + lens[5] + lens[6] + lens[7];
     }
-    bool fits(const char* o, const char* end) const {
-        return bytes + 3 <= static_cast<size_t>(end - o);
-    }
-    char* put(char* o) const {
+    char* put_words(char* o) const {
         for (int i = 0; i < 8; ++i) {
             std::memcpy(o, &words[i], 4); // little-endian: the first byte lowest
             o += lens[i];
@@ -548,6 +646,36 @@ inline unsigned int pair_at(const ovChar16* p) {
            0x10000u;
 }
 
+inline bool is_second_half(ovChar16 u) {
+    return (static_cast<uint16_t>(u) & 0xFC00) == 0xDC00;
+}
+
+// Writes the code points of a joined group (see join_pairs16) but those of
+// the lanes in `drop`. It writes a dropped lane too before moving on, so the
+// room for all 8 must be there.
+inline unsigned int* put_joined(simd::V128 lo, simd::V128 hi, unsigned drop, unsigned int* o) {
+    uint32_t t[8];
+    simd::store32(lo, t);
+    simd::store32(hi, t + 4);
+    for (int i = 0; i < 8; ++i) {
+        *o = t[i];
+        o += 1 - ((drop >> i) & 1);
+    }
+    return o;
+}
+
+// The units the lanes in `lanes` of a group of whole pairs (first halves in
+// `highs`) take, the pair's second half being among `lanes` too.
+template <class W>
+OVRA_ALWAYS_INLINE size_t group_size(simd::V128 x, unsigned lanes, unsigned highs) {
+    // A pair is one code point: 4 bytes where its two units counted 6.
+    if (sizeof(typename W::unit) == 1)
+        return popcount64(lanes) - 2 * popcount64(highs) +
+               popcount64((simd::at_least16(x, 0x80) | (simd::at_least16(x, 0x800) << 8)) &
+                          (lanes | (lanes << 8)));
+    return popcount64(lanes) - popcount64(highs);
+}
+
 template <class W> size_t count_utf16(const ovChar16* src, size_t n, bool& exact) {
     exact = true;
     if (!src)
@@ -556,9 +684,21 @@ template <class W> size_t count_utf16(const ovChar16* src, size_t n, bool& exact
     const ovChar16* const end = src + n;
     unsigned int last = kReplacement;
     size_t count = 0;
+    // Whole groups are counted per lane, and the lanes summed now and then:
+    // to UTF-8 a unit takes one byte more from 0x80 and another from 0x800,
+    // so a pair's units count 3 + 3 where it takes 4.
+    const bool to_utf8 = sizeof(typename W::unit) == 1;
+    simd::V128 longer = simd::zero32(), firsts = simd::zero32();
+    unsigned groups = 0;
+    auto fold = [&] {
+        count += simd::sum16(longer);
+        count -= (to_utf8 ? 2 : 1) * simd::sum16(firsts);
+        longer = firsts = simd::zero32();
+        groups = 0;
+    };
     while (end - p >= 8) {
         const simd::V128 x = simd::load(p);
-        unsigned highs = 0;
+        unsigned highs;
         if (has_surrogate(x) && !whole_pairs(x, highs)) {
             for (const ovChar16* const stop = p + 8; p < stop;) {
                 last = Utf16::read(p, end, exact);
@@ -566,14 +706,28 @@ template <class W> size_t count_utf16(const ovChar16* src, size_t n, bool& exact
             }
             continue;
         }
-        // A pair is one code point: 4 bytes where its two units counted 6.
-        if (sizeof(typename W::unit) == 1)
-            count += 8 - 2 * popcount64(highs) +
-                     popcount64(simd::at_least16(x, 0x80) | (simd::at_least16(x, 0x800) << 8));
-        else
-            count += 8 - popcount64(highs);
+        if (to_utf8)
+            longer = simd::add_at_least16(simd::add_at_least16(longer, x, 0x80), x, 0x800);
+        firsts = simd::add_masked_equal16(firsts, x, 0xFC00, 0xD800);
+        count += 8;
+        if (++groups == 0x7FFF) // a lane gains at most 2 a group
+            fold();
         p += 8;
         last = static_cast<uint16_t>(p[-1]);
+    }
+    fold();
+    // The last few units, as the new lanes of the last 8 when those pair up
+    // among themselves.
+    const size_t left = static_cast<size_t>(end - p);
+    if (left != 0 && left < 8 && n >= 8) {
+        const simd::V128 x = simd::load(end - 8);
+        const unsigned fresh = 0xFFu & ~(0xFFu >> left);
+        const unsigned highs = simd::masked_equal16(x, 0xFC00, 0xD800) & fresh;
+        if ((simd::masked_equal16(x, 0xFC00, 0xDC00) & fresh) == (highs << 1) && highs < 0x80) {
+            count += group_size<W>(x, fresh, highs);
+            p = end;
+            last = static_cast<uint16_t>(p[-1]);
+        }
     }
     while (p < end) {
         last = Utf16::read(p, end, exact);
@@ -595,11 +749,9 @@ size_t utf16_to_utf8(const ovChar16* src, size_t n, char* dst, size_t cap, bool&
     char* o = dst;
     const char* const oend = dst + cap;
     unsigned int last = kReplacement;
-    // Groups with surrogates need room for the worst case: 24 bytes, and one
-    // more pair may end a group.
-    while (end - p >= 8 && oend - o >= 16) {
+    while (end - p >= 8) {
         const simd::V128 x = simd::load(p);
-        if (end - p >= 16) {
+        if (end - p >= 16 && oend - o >= 16) {
             const simd::V128 y = simd::load(p + 8);
             if (simd::at_least16(simd::or128(x, y), 0x80) == 0) {
                 simd::narrow16_to8(x, y, o);
@@ -609,38 +761,37 @@ size_t utf16_to_utf8(const ovChar16* src, size_t n, char* dst, size_t cap, bool&
                 continue;
             }
         }
-        if (!has_surrogate(x)) {
-            const Utf8Group g(simd::load32x4_from16(x, false), simd::load32x4_from16(x, true));
-            if (!g.fits(o, oend))
+        unsigned highs = 0;
+        if (!has_surrogate(x) || whole_pairs(x, highs)) {
+            if (!(highs ? Utf8Group(x, highs) : Utf8Group(x)).put(o, oend))
                 break;
-            o = g.put(o);
             p += 8;
             last = static_cast<uint16_t>(p[-1]);
             continue;
         }
+        // Bad units, or a pair across groups: 8 of them take at most 24 bytes,
+        // and one more pair may end the group.
         if (oend - o < 32)
             break;
-        unsigned highs = 0;
-        if (!whole_pairs(x, highs)) {
-            for (const ovChar16* const stop = p + 8; p < stop;) {
-                last = Utf16::read(p, end, exact);
-                Utf8::store(last, o, oend, exact);
-            }
-            continue;
+        for (const ovChar16* const stop = p + 8; p < stop;) {
+            last = Utf16::read(p, end, exact);
+            Utf8::store(last, o, oend, exact);
         }
-        for (int i = 0; i < 8; ++i) {
-            unsigned int c = static_cast<uint16_t>(p[i]);
-            size_t k = (c >= 0x80) + (c >= 0x800);
-            if ((highs >> i) & 1) {
-                c = pair_at(p + i++);
-                k = 3;
+    }
+    // The last few units, as the new lanes of the last 8 when those pair up
+    // among themselves.
+    const size_t left = static_cast<size_t>(end - p);
+    if (left != 0 && left < 8 && n >= 8) {
+        const simd::V128 x = simd::load(end - 8);
+        const unsigned fresh = 0xFFu & ~(0xFFu >> left);
+        const unsigned highs = simd::masked_equal16(x, 0xFC00, 0xD800) & fresh;
+        const unsigned lows = simd::masked_equal16(x, 0xFC00, 0xDC00) & fresh;
+        if (lows == (highs << 1) && highs < 0x80) {
+            if (Utf8Group(x, highs, 0xFFu & ~fresh).put(o, oend)) {
+                p = end;
+                last = static_cast<uint16_t>(p[-1]);
             }
-            const uint32_t w = utf8_word(c, k);
-            std::memcpy(o, &w, 4); // little-endian: the first byte lowest
-            o += k + 1;
         }
-        p += 8;
-        last = static_cast<uint16_t>(p[-1]);
     }
     return finish<Utf16, Utf8>(p, end, dst, o, oend, last, exact);
 }
@@ -662,16 +813,9 @@ size_t utf16_to_utf32(const ovChar16* src, size_t n, unsigned int* dst, size_t c
             simd::widen16_to32(x, o);
             o += 8;
         } else if (unsigned highs; whole_pairs(x, highs)) {
-            // No branch per unit: the second half of a pair is written and then
-            // written over.
-            const unsigned lows = highs << 1;
-            for (int i = 0; i < 8; ++i) {
-                const unsigned int u = static_cast<uint16_t>(p[i]);
-                const unsigned int next = i < 7 ? static_cast<uint16_t>(p[i + 1]) : 0u;
-                const unsigned int pair = (((u - 0xD800u) << 10) | (next & 0x3FFu)) + 0x10000u;
-                *o = (highs >> i) & 1 ? pair : u;
-                o += 1 - ((lows >> i) & 1);
-            }
+            simd::V128 lo, hi;
+            simd::join_pairs16(x, 0, lo, hi);
+            o = put_joined(lo, hi, highs << 1, o);
         } else {
             for (const ovChar16* const stop = p + 8; p < stop;)
                 *o++ = last = Utf16::read(p, end, exact);
@@ -683,67 +827,64 @@ size_t utf16_to_utf32(const ovChar16* src, size_t n, unsigned int* dst, size_t c
     return finish<Utf16, Utf32>(p, end, dst, o, oend, last, exact);
 }
 
-bool count_exact_utf16(const ovChar16* src, size_t n, size_t& count, bool& zero) {
-    // Exact UTF-16 is every first half of a pair followed by a second half, and
-    // every second half preceded by a first: a test on masks of 16 units.
-    size_t i = 0, pairs = 0;
-    unsigned carry = 0, zeros = 0, bad = 0;
-    // Sixteen units from p, of which the first `valid` count.
-    auto group = [&](const ovChar16* p, unsigned valid) {
-        using namespace simd;
-        const V128 x = load(p), y = load(p + 8);
-        const unsigned highs =
-            (masked_equal16(x, 0xFC00, 0xD800) | (masked_equal16(y, 0xFC00, 0xD800) << 8)) & valid;
-        const unsigned lows =
-            (masked_equal16(x, 0xFC00, 0xDC00) | (masked_equal16(y, 0xFC00, 0xDC00) << 8)) & valid;
-        zeros |= (masked_equal16(x, 0xFFFF, 0) | (masked_equal16(y, 0xFFFF, 0) << 8)) & valid;
-        bad |= lows ^ (((highs << 1) | carry) & valid);
-        carry = (highs & ~(valid >> 1)) != 0; // a first half in the last unit
-        pairs += popcount64(highs);
-    };
-    for (; n - i >= 16; i += 16)
-        group(src + i, 0xFFFF);
-    if (i < n) { // the rest, padded to a whole group
-        ovChar16 rest[16] = {};
-        std::memcpy(rest, src + i, (n - i) * sizeof(ovChar16));
-        group(rest, (1u << (n - i)) - 1);
-    }
-    count = n - pairs;
-    zero = zeros != 0;
-    return (bad | carry) == 0;
-}
-
-void decode_exact_utf16(const ovChar16* src, size_t n, unsigned int* dst) {
-    // Exact text: a first half is always followed by its second, so a group
-    // needs no check, and the pair's second half may lie in the next group.
-    auto group = [&](const ovChar16* p, const ovChar16* after, unsigned valid) {
+bool decode_exact_utf16(const ovChar16* src, size_t n, unsigned int* dst, size_t& count,
+                        bool& zero) {
+    // One pass: the room for a code point per unit is never short, and a
+    // group's masks say at once whether its surrogates all pair up. A group
+    // keeps a pair that runs past it whole, so the next starts on a character.
+    const ovChar16* p = src;
+    const ovChar16* const end = src + n;
+    unsigned int* o = dst;
+    bool zeros = false;
+    while (end - p >= 8) {
         const simd::V128 x = simd::load(p);
-        const unsigned highs = simd::masked_equal16(x, 0xFC00, 0xD800) & valid;
-        const unsigned lows = simd::masked_equal16(x, 0xFC00, 0xDC00) & valid;
-        if ((highs | lows) == 0 && valid == 0xFF) {
-            simd::widen16_to32(x, dst);
-            dst += 8;
-            return;
+        const unsigned special = simd::surrogate_or_zero16(x);
+        if (special == 0) {
+            simd::widen16_to32(x, o);
+            o += 8;
+            p += 8;
+            continue;
         }
-        for (int i = 0; i < 8 && (valid >> i) & 1; ++i) {
-            const unsigned int u = static_cast<uint16_t>(p[i]);
-            const unsigned int next =
-                i < 7 ? static_cast<uint16_t>(p[i + 1])
-                      : ((highs >> 7) & 1 ? static_cast<uint16_t>(after[0]) : 0u);
-            const unsigned int pair = (((u - 0xD800u) << 10) | (next & 0x3FFu)) + 0x10000u;
-            *dst = (highs >> i) & 1 ? pair : u;
-            dst += 1 - ((lows >> i) & 1); // a second half is written over
-        }
-    };
-    size_t i = 0;
-    for (; n - i >= 8; i += 8)
-        group(src + i, src + i + 8, 0xFF);
-    if (i < n) {
-        ovChar16 rest[9] = {}; // and a unit after the group, as every group has
-        std::memcpy(rest, src + i, (n - i) * sizeof(ovChar16));
-        group(rest, rest + 8, (1u << (n - i)) - 1);
+        const unsigned highs = simd::masked_equal16(x, 0xFC00, 0xD800);
+        const unsigned lows = simd::masked_equal16(x, 0xFC00, 0xDC00);
+        zeros |= (special & ~(highs | lows)) != 0;
+        if (lows != ((highs << 1) & 0xFF))
+            return false;
+        const unsigned runs_on = highs >> 7;
+        if (runs_on && (end - p < 9 || !is_second_half(p[8])))
+            return false;
+        simd::V128 lo, hi;
+        simd::join_pairs16(x, runs_on ? static_cast<uint16_t>(p[8]) : 0, lo, hi);
+        o = put_joined(lo, hi, lows, o);
+        p += 8 + runs_on;
     }
-    *dst = 0;
+    // The last few units: when the last 8 are all plain, each of them is one
+    // code point, so they end the output wherever the groups stopped.
+    const size_t left = static_cast<size_t>(end - p);
+    if (left != 0 && left < 8 && n >= 8) {
+        const simd::V128 x = simd::load(end - 8);
+        if (simd::surrogate_or_zero16(x) == 0) {
+            simd::widen16_to32(x, o - (8 - left));
+            o += left;
+            p = end;
+        }
+    }
+    while (p < end) {
+        const unsigned int u = static_cast<uint16_t>(*p++);
+        if ((u & 0xF800) != 0xD800) {
+            zeros |= u == 0;
+            *o++ = u;
+        } else if (u < 0xDC00 && p < end && is_second_half(*p)) {
+            *o++ = pair_at(p - 1);
+            ++p;
+        } else {
+            return false;
+        }
+    }
+    *o = 0;
+    count = static_cast<size_t>(o - dst);
+    zero = zeros;
+    return true;
 }
 
 size_t first_zero(const unsigned int* p, size_t n) {
@@ -809,8 +950,8 @@ size_t utf32_to_utf8(const unsigned int* src, size_t n, char* dst, size_t cap, b
     char* o = dst;
     const char* const oend = dst + cap;
     size_t i = 0;
-    while (n - i >= 8 && oend - o >= 16) {
-        if (n - i >= 16) {
+    while (n - i >= 8) {
+        if (n - i >= 16 && oend - o >= 16) {
             using namespace simd;
             const V128 a = load(src + i), b = load(src + i + 4), c = load(src + i + 8),
                        d = load(src + i + 12);
@@ -821,10 +962,8 @@ size_t utf32_to_utf8(const unsigned int* src, size_t n, char* dst, size_t cap, b
                 continue;
             }
         }
-        const Utf8Group g(simd::load(src + i), simd::load(src + i + 4));
-        if (!g.fits(o, oend))
+        if (!Utf8Group(simd::load(src + i), simd::load(src + i + 4)).put(o, oend))
             break;
-        o = g.put(o);
         i += 8;
     }
     const unsigned int last = i ? src[i - 1] : kReplacement;

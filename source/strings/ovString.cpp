@@ -240,9 +240,7 @@ void ovString::init_utf8(const char* p) {
     // Short ASCII text (names, keys, words: most strings) needs neither the
     // block scanner nor the decoder: every byte is a code point.
     if (n <= 64 && ovra_internal::all_ascii(p, n)) {
-        unsigned int* text = init_text(n);
-        for (size_t i = 0; i < n; ++i)
-            text[i] = static_cast<unsigned char>(p[i]);
+        ovra_internal::copy_ascii(p, n, init_text(n));
         return;
     }
     // Long ASCII text gets its UTF-16 form, the one platform calls take, in the
@@ -274,18 +272,17 @@ void ovString::init_utf16(const ovChar16* p, size_t n) {
     init_null();
     if (!p)
         return;
-    // The counting pass of ConvertUTF, without the "?" it would count for bad
-    // input: here bad input fails the string whatever the count.
+    // A unit never makes more than one code point, so one pass can decode
+    // into room for n and check as it goes; bad input fails the string.
+    unsigned int* buf = init_text(n);
     size_t chars;
     bool zero;
-    if (!ovra_internal::count_exact_utf16(p, n, chars, zero)) {
+    if (!ovra_internal::decode_exact_utf16(p, n, buf, chars, zero)) {
         init_failed(kFailedUtf16);
         return;
     }
-    unsigned int* buf = init_text(chars);
-    ovra_internal::decode_exact_utf16(p, n, buf);
-    if (zero) // an embedded 0 cuts the text
-        m_length = ovra_internal::first_zero(buf, chars);
+    // an embedded 0 cuts the text
+    m_length = zero ? ovra_internal::first_zero(buf, chars) : chars;
 }
 
 void ovString::init_utf32(const unsigned int* p, size_t n) {

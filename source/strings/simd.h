@@ -44,6 +44,13 @@ inline unsigned equal8(V128 x, unsigned char b) {
         _mm_movemask_epi8(_mm_cmpeq_epi8(x.v, _mm_set1_epi8(static_cast<char>(b)))));
 }
 
+// Bytes with bit K set.
+template <int K> unsigned bit8(V128 x) {
+    // shifting 16-bit lanes moves each byte's bit K to its top; what crosses
+    // from the low byte lands in the high byte's bit 0, which is not read
+    return static_cast<unsigned>(_mm_movemask_epi8(K == 7 ? x.v : _mm_slli_epi16(x.v, 7 - K)));
+}
+
 // The 16 bytes as 16-bit or 32-bit units.
 template <class U16> void widen8_to16(V128 x, U16* out) {
     const __m128i z = _mm_setzero_si128();
@@ -181,6 +188,114 @@ inline unsigned equal32(V128 x, uint32_t value) {
     return static_cast<unsigned>(_mm_movemask_ps(_mm_castsi128_ps(_mm_cmpeq_epi32(x.v, v))));
 }
 
+// Per-lane counts of 16-bit units: start from zero32(), add with
+// add_at_least16 / add_masked_equal16 (each adds at most 1 per lane, so at
+// most 65535 times between reads), read with sum16.
+inline V128 add_at_least16(V128 acc, V128 x, uint16_t floor) {
+    const __m128i d = _mm_subs_epu16(_mm_set1_epi16(static_cast<short>(floor)), x.v);
+    return {_mm_sub_epi16(acc.v, _mm_cmpeq_epi16(d, _mm_setzero_si128()))};
+}
+
+inline V128 add_masked_equal16(V128 acc, V128 x, uint16_t mask, uint16_t value) {
+    const __m128i t = _mm_cmpeq_epi16(_mm_and_si128(x.v, _mm_set1_epi16(static_cast<short>(mask))),
+                                      _mm_set1_epi16(static_cast<short>(value)));
+    return {_mm_sub_epi16(acc.v, t)};
+}
+
+inline uint64_t sum16(V128 acc) {
+    // pairs of lanes into 32-bit sums, then the four of those
+    const __m128i lo = _mm_and_si128(acc.v, _mm_set1_epi32(0xFFFF));
+    const __m128i hi = _mm_srli_epi32(acc.v, 16);
+    return sum32(V128{_mm_add_epi32(lo, hi)});
+}
+
+// The UTF-8 forms of eight units none of which is a surrogate, as in
+// utf8_words: at most 3 bytes each.
+inline void utf8_words16(V128 x, uint32_t* words, uint16_t* lens) {
+    const __m128i c = x.v;
+    const __m128i z = _mm_setzero_si128();
+    const __m128i two = _mm_cmpeq_epi16(_mm_subs_epu16(_mm_set1_epi16(0x80), c), z);
+    const __m128i three = _mm_cmpeq_epi16(_mm_subs_epu16(_mm_set1_epi16(0x800), c), z);
+    const __m128i six = _mm_set1_epi16(0x3F), mark = _mm_set1_epi16(0x80);
+    auto pick = [](__m128i m, __m128i a, __m128i b) {
+        return _mm_or_si128(_mm_and_si128(m, a), _mm_andnot_si128(m, b));
+    };
+    const __m128i lead =
+        pick(three, _mm_or_si128(_mm_srli_epi16(c, 12), _mm_set1_epi16(0xE0)),
+             pick(two, _mm_or_si128(_mm_srli_epi16(c, 6), _mm_set1_epi16(0xC0)), c));
+    const __m128i last = _mm_or_si128(_mm_and_si128(c, six), mark);
+    const __m128i middle = _mm_or_si128(_mm_and_si128(_mm_srli_epi16(c, 6), six), mark);
+    const __m128i second = pick(three, middle, last);
+    const __m128i first2 = _mm_or_si128(lead, _mm_slli_epi16(second, 8));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(words), _mm_unpacklo_epi16(first2, last));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(words + 4), _mm_unpackhi_epi16(first2, last));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(lens),
+                     _mm_sub_epi16(_mm_sub_epi16(_mm_set1_epi16(1), two), three));
+}
+
+// For each of the 16 positions from p: the code point of a character of at
+// most 3 bytes that would start there, in 16 bits (a lone 0x80 is itself).
+// Reads p[0] to p[17]; what a position that starts nothing gets is of no use.
+inline void utf8_units16(const unsigned char* p, uint16_t* out) {
+    const __m128i z = _mm_setzero_si128();
+    const __m128i a = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+    const __m128i b = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + 1));
+    const __m128i c = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + 2));
+    const __m128i six = _mm_set1_epi16(0x3F);
+    auto half = [&](__m128i c0, __m128i c1, __m128i c2) {
+        const __m128i two = _mm_cmpgt_epi16(c0, _mm_set1_epi16(0xBF));
+        const __m128i three = _mm_cmpgt_epi16(c0, _mm_set1_epi16(0xDF));
+        const __m128i t1 = _mm_and_si128(c1, six);
+        const __m128i v2 =
+            _mm_or_si128(_mm_slli_epi16(_mm_and_si128(c0, _mm_set1_epi16(0x1F)), 6), t1);
+        const __m128i v3 = _mm_or_si128(_mm_or_si128(_mm_slli_epi16(c0, 12), _mm_slli_epi16(t1, 6)),
+                                        _mm_and_si128(c2, six));
+        const __m128i v = _mm_or_si128(_mm_andnot_si128(two, c0), _mm_and_si128(two, v2));
+        return _mm_or_si128(_mm_andnot_si128(three, v), _mm_and_si128(three, v3));
+    };
+    _mm_storeu_si128(
+        reinterpret_cast<__m128i*>(out),
+        half(_mm_unpacklo_epi8(a, z), _mm_unpacklo_epi8(b, z), _mm_unpacklo_epi8(c, z)));
+    _mm_storeu_si128(
+        reinterpret_cast<__m128i*>(out + 8),
+        half(_mm_unpackhi_epi8(a, z), _mm_unpackhi_epi8(b, z), _mm_unpackhi_epi8(c, z)));
+}
+
+// 16-bit lanes holding a surrogate or 0: one bit per lane.
+inline unsigned surrogate_or_zero16(V128 x) {
+    const __m128i s =
+        _mm_cmpeq_epi16(_mm_and_si128(x.v, _mm_set1_epi16(static_cast<short>(0xF800))),
+                        _mm_set1_epi16(static_cast<short>(0xD800)));
+    return lanes16(_mm_or_si128(s, _mm_cmpeq_epi16(x.v, _mm_setzero_si128())));
+}
+
+// Eight UTF-16 units as code points in two groups of 4, each first half of a
+// pair joined with the unit after it (`next` after the last lane). The lanes
+// of second halves are left as they are, for the caller to drop.
+inline void join_pairs16(V128 x, uint16_t next, V128& lo, V128& hi) {
+    const __m128i z = _mm_setzero_si128();
+    const __m128i after = _mm_insert_epi16(_mm_srli_si128(x.v, 2), next, 7);
+    const __m128i first =
+        _mm_cmpeq_epi16(_mm_and_si128(x.v, _mm_set1_epi16(static_cast<short>(0xFC00))),
+                        _mm_set1_epi16(static_cast<short>(0xD800)));
+    // (first - 0xD800) << 10 | second & 0x3FF, + 0x10000, as one sum
+    const __m128i bias = _mm_set1_epi32(static_cast<int>(0x10000u - (0xD800u << 10)));
+    const __m128i ten = _mm_set1_epi32(0x3FF);
+    auto half = [&](__m128i u, __m128i a, __m128i m) {
+        const __m128i pair =
+            _mm_add_epi32(_mm_add_epi32(_mm_slli_epi32(u, 10), _mm_and_si128(a, ten)), bias);
+        return _mm_or_si128(_mm_and_si128(m, pair), _mm_andnot_si128(m, u));
+    };
+    lo.v = half(_mm_unpacklo_epi16(x.v, z), _mm_unpacklo_epi16(after, z),
+                _mm_unpacklo_epi16(first, first));
+    hi.v = half(_mm_unpackhi_epi16(x.v, z), _mm_unpackhi_epi16(after, z),
+                _mm_unpackhi_epi16(first, first));
+}
+
+inline void store32(V128 x, uint32_t* out) {
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(out), x.v);
+}
+
 #else // the portable form: the same answers, one lane at a time
 
 struct V128 {
@@ -222,6 +337,13 @@ inline unsigned equal8(V128 x, unsigned char v) {
     unsigned m = 0;
     for (int i = 0; i < 16; ++i)
         m |= static_cast<unsigned>(x.b[i] == v) << i;
+    return m;
+}
+
+template <int K> unsigned bit8(V128 x) {
+    unsigned m = 0;
+    for (int i = 0; i < 16; ++i)
+        m |= static_cast<unsigned>((x.b[i] >> K) & 1) << i;
     return m;
 }
 
@@ -334,6 +456,76 @@ inline unsigned equal32(V128 x, uint32_t value) {
     for (int i = 0; i < 4; ++i)
         m |= static_cast<unsigned>(x.u32(i) == value) << i;
     return m;
+}
+
+inline void utf8_units16(const unsigned char* p, uint16_t* out) {
+    for (int i = 0; i < 16; ++i) {
+        const unsigned c0 = p[i], c1 = p[i + 1] & 0x3Fu, c2 = p[i + 2] & 0x3Fu;
+        out[i] = static_cast<uint16_t>(c0 >= 0xE0   ? (c0 << 12) | (c1 << 6) | c2
+                                       : c0 >= 0xC0 ? ((c0 & 0x1Fu) << 6) | c1
+                                                    : c0);
+    }
+}
+
+inline V128 add_at_least16(V128 acc, V128 x, uint16_t floor) {
+    for (int i = 0; i < 8; ++i) {
+        const uint16_t n = static_cast<uint16_t>(acc.u16(i) + (x.u16(i) >= floor));
+        std::memcpy(acc.b + 2 * i, &n, 2);
+    }
+    return acc;
+}
+
+inline V128 add_masked_equal16(V128 acc, V128 x, uint16_t mask, uint16_t value) {
+    for (int i = 0; i < 8; ++i) {
+        const uint16_t n = static_cast<uint16_t>(acc.u16(i) + ((x.u16(i) & mask) == value));
+        std::memcpy(acc.b + 2 * i, &n, 2);
+    }
+    return acc;
+}
+
+inline uint64_t sum16(V128 acc) {
+    uint64_t n = 0;
+    for (int i = 0; i < 8; ++i)
+        n += acc.u16(i);
+    return n;
+}
+
+inline void utf8_words16(V128 x, uint32_t* words, uint16_t* lens) {
+    for (int i = 0; i < 8; ++i) {
+        const uint32_t c = x.u16(i);
+        const uint32_t last = 0x80 | (c & 0x3F);
+        if (c < 0x80) {
+            words[i] = c;
+            lens[i] = 1;
+        } else if (c < 0x800) {
+            words[i] = (0xC0 | (c >> 6)) | (last << 8);
+            lens[i] = 2;
+        } else {
+            words[i] = (0xE0 | (c >> 12)) | ((0x80 | ((c >> 6) & 0x3F)) << 8) | (last << 16);
+            lens[i] = 3;
+        }
+    }
+}
+
+inline unsigned surrogate_or_zero16(V128 x) {
+    unsigned m = 0;
+    for (int i = 0; i < 8; ++i)
+        m |= static_cast<unsigned>((x.u16(i) & 0xF800) == 0xD800 || x.u16(i) == 0) << i;
+    return m;
+}
+
+inline void join_pairs16(V128 x, uint16_t next, V128& lo, V128& hi) {
+    for (int i = 0; i < 8; ++i) {
+        const uint32_t u = x.u16(i);
+        const uint32_t a = i < 7 ? x.u16(i + 1) : next;
+        const uint32_t c =
+            (u & 0xFC00) == 0xD800 ? (((u - 0xD800u) << 10) | (a & 0x3FFu)) + 0x10000u : u;
+        std::memcpy((i < 4 ? lo : hi).b + 4 * (i % 4), &c, 4);
+    }
+}
+
+inline void store32(V128 x, uint32_t* out) {
+    std::memcpy(out, x.b, 16);
 }
 
 #endif

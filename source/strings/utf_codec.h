@@ -306,17 +306,19 @@ size_t utf16_to_utf32(const ovChar16* src, size_t n, unsigned int* dst, size_t c
 size_t utf32_to_utf8(const unsigned int* src, size_t n, char* dst, size_t cap, bool& exact);
 size_t utf32_to_utf16(const unsigned int* src, size_t n, ovChar16* dst, size_t cap, bool& exact);
 
+// Copies n bytes known to be ASCII as code points.
+void copy_ascii(const char* src, size_t n, unsigned int* dst);
+
 // Copies n bytes of ASCII into both forms; false (and the outputs unfinished)
 // as soon as a byte is not ASCII.
 bool widen_ascii(const char* src, size_t n, unsigned int* dst32, ovChar16* dst16);
 
-// True when n UTF-16 units convert exactly; `count` is then their code points
-// (no terminator counted) and `zero` says whether one of the units is 0.
-bool count_exact_utf16(const ovChar16* src, size_t n, size_t& count, bool& zero);
-
-// Decodes n units already known to convert exactly into dst, which has room
-// for every code point and the terminator.
-void decode_exact_utf16(const ovChar16* src, size_t n, unsigned int* dst);
+// Decodes n UTF-16 units into dst, which has room for n + 1 code points, and
+// ends them with 0. False when the units do not convert exactly (dst then
+// holds nothing of use); otherwise `count` is the code points written, the
+// terminator not counted, and `zero` says whether one of them is 0.
+bool decode_exact_utf16(const ovChar16* src, size_t n, unsigned int* dst, size_t& count,
+                        bool& zero);
 
 // Index of the first 0 among n code points; n when there is none.
 size_t first_zero(const unsigned int* p, size_t n);
