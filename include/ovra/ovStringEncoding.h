@@ -84,6 +84,12 @@ protected:
     }
 
 private:
+// GCC 12 and later cannot follow a shared count and warn that a count one
+// copy may have freed is used by another; the counts make that impossible.
+#if defined(__GNUC__) && !defined(__clang__) && __GNUC__ >= 12
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wuse-after-free"
+#endif
     void release() noexcept {
         if (!m_null && --*m_count == 0) {
             delete[] m_text;
@@ -91,6 +97,9 @@ private:
         }
         init_null();
     }
+#if defined(__GNUC__) && !defined(__clang__) && __GNUC__ >= 12
+#pragma GCC diagnostic pop
+#endif
 
     T* m_text;
     size_t m_length;
