@@ -142,7 +142,7 @@ TEST_F(IOTest, VisibleStringsShowControlCharacters) {
     EXPECT_GE(the_pieces.size(), 3u);
 }
 
-TEST_F(IOTest, ASpecificationOfTenCharactersEndsTheProcess) {
+TEST_F(IOTest, ATenCharacterSpecifierEndsTheProcess) {
     testing::FLAGS_gtest_death_test_style = "threadsafe";
     ovIO io;
     io.set_print_function(&collect);
