@@ -24,7 +24,8 @@ static void on_break(int count) {
 int main(int argc, char** argv) {
     char* user = NULL;
     char* full = NULL;
-    char buf[64];
+    char buf[4096]; /* the program's name is its whole path on some systems */
+    char cut[6];
     int n = -1, index = 0, count = -1;
     const char* host = ov_gethostname();
 
@@ -39,7 +40,10 @@ int main(int argc, char** argv) {
     argsgi(argc, argv);
     check(get_argc() == argc && get_argv() == argv, "the argument store");
     argget(&index, buf, (int)sizeof buf, &n);
-    check(n == (int)strlen(buf) && n > 0, "argget of the program's name");
+    check(n > 0 && n < (int)sizeof buf && n == (int)strlen(buf), "argget of the program's name");
+    memset(cut, '#', sizeof cut);
+    argget(&index, cut, 4, &n);
+    check(n == 4 && cut[4] == '#', "argget cut to its buffer, with nothing past it");
     index = argc;
     argget(&index, buf, (int)sizeof buf, &n);
     check(n == 0 && buf[0] == '\0', "argget at the count");
