@@ -89,13 +89,11 @@ TEST(ut_date_current, AgreesWithItself) {
     int date[7];
     ut_date_current(1, date);
     const int after = ut_date_current();
-    int back = 0;
     EXPECT_GE(date[0], 2024);
     EXPECT_EQ(date[6], 0);
     std::vector<int> lo = array_of(before, 1), hi = array_of(after, 1);
     EXPECT_LE(lo, std::vector<int>(date, date + 7));
     EXPECT_GE(hi, std::vector<int>(date, date + 7));
-    (void)back;
 }
 
 TEST(ut_date_string, AsctimeFormWithoutNewline) {

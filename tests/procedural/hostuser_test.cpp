@@ -96,6 +96,7 @@ TEST(ovghnm, BlankPaddedHostNameAndTypeInAnyBufferSize) {
     ASSERT_NE(host, nullptr) << "the host has a name";
     EXPECT_EQ(ov_gethostname(), host) << "the first copy is kept";
     const int length = static_cast<int>(std::strlen(host));
+    EXPECT_GT(length, 0);
     for (int size : {0, 1, length - 1, length, length + 5, 300}) {
         if (size < 0)
             continue;
