@@ -23,19 +23,28 @@ std::vector<int> array_of(int seconds, int utc) {
 
 } // namespace
 
-TEST(ut_date_array, ConvertsUtcSeconds) {
+TEST(ut_date_array, ConvertsUtcSecondsToArraysAndAsctimeText) {
     struct Case {
         int seconds;
         std::vector<int> expected;
+        const char* text;
     } const cases[] = {
-        {0, {1970, 1, 1, 0, 0, 0, 0}},
-        {951782400, {2000, 2, 29, 0, 0, 0, 0}},
-        {2147483647, {2038, 1, 19, 3, 14, 7, 0}},
+        {0, {1970, 1, 1, 0, 0, 0, 0}, "Thu Jan  1 00:00:00 1970"},
+        {951782400, {2000, 2, 29, 0, 0, 0, 0}, "Tue Feb 29 00:00:00 2000"},
+        {2147483647, {2038, 1, 19, 3, 14, 7, 0}, "Tue Jan 19 03:14:07 2038"},
+        {1000000000, {2001, 9, 9, 1, 46, 40, 0}, "Sun Sep  9 01:46:40 2001"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.seconds);
         EXPECT_EQ(array_of(c.seconds, 1), c.expected);
+        utString text;
+        ut_date_string(c.seconds, 1, text);
+        EXPECT_EQ(text, c.text);
     }
+    utString local;
+    ut_date_string(1000000000, 0, local);
+    EXPECT_EQ(local.length(), 24u);
+    EXPECT_EQ(local.find('\n'), utString::npos);
     // The Windows runtime converts nothing before the epoch: every element -1.
     const std::vector<int> before = array_of(-1, 1);
     EXPECT_TRUE(before == std::vector<int>({1969, 12, 31, 23, 59, 59, 0}) ||
@@ -89,35 +98,11 @@ TEST(ut_date_current, AgreesWithItself) {
     int date[7];
     ut_date_current(1, date);
     const int after = ut_date_current();
-    int back = 0;
     EXPECT_GE(date[0], 2024);
     EXPECT_EQ(date[6], 0);
     std::vector<int> lo = array_of(before, 1), hi = array_of(after, 1);
     EXPECT_LE(lo, std::vector<int>(date, date + 7));
     EXPECT_GE(hi, std::vector<int>(date, date + 7));
-    (void)back;
-}
-
-TEST(ut_date_string, AsctimeFormWithoutNewline) {
-    struct Case {
-        int seconds;
-        const char* expected;
-    } const cases[] = {
-        {0, "Thu Jan  1 00:00:00 1970"},
-        {951782400, "Tue Feb 29 00:00:00 2000"},
-        {2147483647, "Tue Jan 19 03:14:07 2038"},
-        {1000000000, "Sun Sep  9 01:46:40 2001"},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.seconds);
-        utString text;
-        ut_date_string(c.seconds, 1, text);
-        EXPECT_EQ(text, c.expected);
-    }
-    utString local;
-    ut_date_string(1000000000, 0, local);
-    EXPECT_EQ(local.length(), 24u);
-    EXPECT_EQ(local.find('\n'), utString::npos);
 }
 
 TEST(ut_date_print, OneLabelledLineEach) {

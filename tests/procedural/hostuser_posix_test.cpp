@@ -12,7 +12,7 @@
 #include <thread>
 #include <unistd.h>
 
-TEST(HostUserPosix, NamesFromTheSystem) {
+TEST(HostUserPosix, NamesFromTheSystemNoFullNameOrDomain) {
     char host[256] = {};
     ASSERT_EQ(gethostname(host, sizeof host - 1), 0);
     ASSERT_NE(ov_gethostname(), nullptr);
@@ -24,10 +24,8 @@ TEST(HostUserPosix, NamesFromTheSystem) {
     ovgetuid(&uid);
     EXPECT_STREQ(uid, entry->pw_name) << "the password entry of the real user id";
     ov_free_string(uid);
-}
 
-TEST(HostUserPosix, NoFullNameOrDomain) {
-    // Even when the variables say "domain logon".
+    // No full name or domain, even when the variables say "domain logon".
     proc_test::ScopedEnv server("LOGONSERVER", "\\\\SERVER");
     proc_test::ScopedEnv computer("COMPUTERNAME", "client");
     EXPECT_EQ(ovgetdomain(), nullptr);

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
 #include <climits>
 #include <csignal>
@@ -11,6 +12,7 @@
 #include <cstring>
 #include <ctime>
 #include <filesystem>
+#include <regex>
 #include <string>
 #include <vector>
 
@@ -23,11 +25,7 @@ struct Guarded {
     char* data() { return bytes.data(); }
     std::string text() const { return std::string(bytes.data(), size); }
     bool guard_intact(char fill = '#') const {
-        for (size_t i = size; i < bytes.size(); ++i) {
-            if (bytes[i] != fill)
-                return false;
-        }
-        return true;
+        return std::count(bytes.begin() + size, bytes.end(), fill) == 8;
     }
     int size;
     std::vector<char> bytes;
@@ -90,11 +88,12 @@ TEST(ccase, ChangesAsciiLettersOnly) {
     EXPECT_EQ(text, "ABCdef");
 }
 
-TEST(ovghnm, BlankPaddedHostNameInAnyBufferSize) {
+TEST(ovghnm, BlankPaddedHostNameAndTypeInAnyBufferSize) {
     const char* host = ov_gethostname();
     ASSERT_NE(host, nullptr) << "the host has a name";
     EXPECT_EQ(ov_gethostname(), host) << "the first copy is kept";
     const int length = static_cast<int>(std::strlen(host));
+    EXPECT_GT(length, 0);
     for (int size : {0, 1, length - 1, length, length + 5, 300}) {
         if (size < 0)
             continue;
@@ -115,14 +114,12 @@ TEST(ovghnm, BlankPaddedHostNameInAnyBufferSize) {
     EXPECT_EQ(len, 0);
     EXPECT_TRUE(negative.guard_intact());
     ovghnm(negative.data(), 0, nullptr);
-}
 
-TEST(ovghtp, HostTypeIsNeverSet) {
-    EXPECT_EQ(ov_gethosttype(), nullptr);
+    EXPECT_EQ(ov_gethosttype(), nullptr) << "the host type is never set";
     for (int size : {0, 1, 8}) {
         SCOPED_TRACE(size);
         Guarded buf(size);
-        int len = -5;
+        len = -5;
         ovghtp(buf.data(), size, &len);
         EXPECT_EQ(len, 0);
         EXPECT_EQ(buf.text(), std::string(size, ' '));
@@ -130,7 +127,7 @@ TEST(ovghtp, HostTypeIsNeverSet) {
     }
 }
 
-TEST(ovgetuser, LoginNameAndFullNameAgree) {
+TEST(ovgetuser, LoginAndFullNameAgreeAndCutToBuffers) {
     char* uid = nullptr;
     ovgetuid(&uid);
     const std::string login = owned(uid);
@@ -153,23 +150,17 @@ TEST(ovgetuser, LoginNameAndFullNameAgree) {
     ovgetuser(nullptr, &full);
     EXPECT_EQ(owned(full), full_name);
     ovgetuid(nullptr);
-}
 
-// A name that does not fit keeps one trailing blank; every size stays inside
-// its buffer.
-TEST(ovgtun, CutsToOneLessThanTheBufferAndPads) {
-    char* user = nullptr;
-    char* full = nullptr;
-    ovgetuser(&user, &full);
-    const std::string login = owned(user), full_name = owned(full);
+    // ovgtun: a name that does not fit keeps one trailing blank; every size
+    // stays inside its buffer.
     const auto expected = [](const std::string& name, int size) {
         int n = static_cast<int>(name.size());
         if (n > size)
             n = size > 0 ? size - 1 : 0;
         return name.substr(0, n) + std::string(size - n, ' ');
     };
-    const int length = static_cast<int>(login.size());
-    for (int size : {0, 1, 2, length - 1, length, length + 1, 64}) {
+    const int n_login = static_cast<int>(login.size());
+    for (int size : {0, 1, 2, n_login - 1, n_login, n_login + 1, 64}) {
         if (size < 0)
             continue;
         SCOPED_TRACE(size);
@@ -180,9 +171,9 @@ TEST(ovgtun, CutsToOneLessThanTheBufferAndPads) {
         EXPECT_TRUE(u.guard_intact());
         EXPECT_TRUE(f.guard_intact());
     }
-    if (length >= 2) {
-        Guarded u(length - 1), f(1);
-        ovgtun(u.data(), length - 1, f.data(), 1);
+    if (n_login >= 2) {
+        Guarded u(n_login - 1), f(1);
+        ovgtun(u.data(), n_login - 1, f.data(), 1);
         EXPECT_EQ(u.text().back(), ' ') << "a cut name ends with one blank";
     }
     Guarded none(0);
@@ -217,19 +208,6 @@ protected:
     char m_prog[5] = "prog", m_alpha[6] = "alpha", m_empty[1] = "";
     std::vector<char*> m_argv{m_prog, m_alpha, m_empty, nullptr};
 };
-
-TEST_F(ArgumentStore, GivesBackTheStoredArguments) {
-    int argc = -5;
-    EXPECT_EQ(argsge(&argc), m_argv.data());
-    EXPECT_EQ(argc, 3);
-    EXPECT_EQ(argsge(nullptr), m_argv.data());
-    EXPECT_EQ(get_argc(), 3);
-    EXPECT_EQ(get_argv(), m_argv.data());
-    int n = -5;
-    nargq(&n);
-    EXPECT_EQ(n, 3);
-    nargq(nullptr);
-}
 
 TEST_F(ArgumentStore, ArggetCopiesWithItsNulWhenItFits) {
     struct Case {
@@ -267,7 +245,18 @@ TEST_F(ArgumentStore, ArggetCopiesWithItsNulWhenItFits) {
     }
 }
 
-TEST_F(ArgumentStore, ArggetWithoutAStoreOrPointers) {
+TEST_F(ArgumentStore, GivesBackTheStoreAndArggetCopesWithoutPointers) {
+    int argc = -5;
+    EXPECT_EQ(argsge(&argc), m_argv.data());
+    EXPECT_EQ(argc, 3);
+    EXPECT_EQ(argsge(nullptr), m_argv.data());
+    EXPECT_EQ(get_argc(), 3);
+    EXPECT_EQ(get_argv(), m_argv.data());
+    int n = -5;
+    nargq(&n);
+    EXPECT_EQ(n, 3);
+    nargq(nullptr);
+
     const int one = 1;
     int len = -5;
     argget(&one, nullptr, 16, &len);
@@ -295,36 +284,23 @@ TEST(timedp, SecondsSinceTheEpochWithMilliseconds) {
     timedp(nullptr);
 }
 
-// "Wed Nov 16 01:20:33 2026\n"
-void expect_asctime_layout(const std::string& s) {
-    ASSERT_EQ(s.size(), 25u) << s;
-    EXPECT_EQ(s[3], ' ');
-    EXPECT_EQ(s[7], ' ');
-    EXPECT_TRUE(s[8] == ' ' || (s[8] >= '1' && s[8] <= '3')) << s;
-    EXPECT_EQ(s[10], ' ');
-    EXPECT_EQ(s[13], ':');
-    EXPECT_EQ(s[16], ':');
-    EXPECT_EQ(s[19], ' ');
-    EXPECT_EQ(s[24], '\n');
-    const std::string days = "SunMonTueWedThuFriSat",
-                      months = "JanFebMarAprMayJunJulAugSepOctNovDec";
-    EXPECT_NE(days.find(s.substr(0, 3)), std::string::npos) << s;
-    EXPECT_NE(months.find(s.substr(4, 3)), std::string::npos) << s;
-    EXPECT_GE(std::atoi(s.substr(20, 4).c_str()), 2024);
-}
-
-TEST(ovdate, AsctimeTextCutToTheBuffer) {
+TEST(ovdate, AsctimeTextAndDdateCutToTheBuffer) {
     Guarded full(26);
     ovdate(full.data(), 26);
     EXPECT_EQ(full.bytes[25], '\0');
-    expect_asctime_layout(std::string(full.data(), 25));
+    const std::regex layout(
+        "(Sun|Mon|Tue|Wed|Thu|Fri|Sat) (Jan|Feb|Mar|Apr|May|Jun|Jul|Aug|Sep|"
+        "Oct|Nov|Dec) [ 123][0-9] [0-9]{2}:[0-9]{2}:[0-9]{2} 20(2[4-9]|[3-9][0-9])\n");
+    EXPECT_TRUE(std::regex_match(std::string(full.data(), 25), layout)) << full.data();
     EXPECT_TRUE(full.guard_intact());
 
-    for (int size : {0, 1, 10, 24}) {
+    for (int size : {0, 1, 10, 19, 24}) {
         SCOPED_TRACE(size);
-        Guarded cut(size);
+        Guarded cut(size), upper(size, 'x');
         ovdate(cut.data(), size);
+        ddate(upper.data(), size);
         EXPECT_TRUE(cut.guard_intact());
+        EXPECT_TRUE(upper.guard_intact('x'));
     }
     Guarded wide(40);
     ovdate(wide.data(), 40);
@@ -339,12 +315,9 @@ TEST(ddate, TwentyUpperCaseCharacters) {
     ovdate(asc, 26);
     ddate(buf.data(), 30);
     const std::string s(buf.data(), 20);
-    // "16 NOV 2026 01.20.33"
-    EXPECT_EQ(s[2], ' ');
-    EXPECT_EQ(s[6], ' ');
-    EXPECT_EQ(s[11], ' ');
-    EXPECT_EQ(s[14], '.');
-    EXPECT_EQ(s[17], '.');
+    EXPECT_TRUE(std::regex_match(
+        s, std::regex("[ 0-9][0-9] [A-Z]{3} [0-9]{4} [0-9]{2}\\.[0-9]{2}\\.[0-9]{2}")))
+        << s;
     EXPECT_EQ(s.substr(0, 2), std::string(asc + 8, 2));
     std::string month(asc + 4, 3);
     for (char& c : month)
@@ -354,13 +327,6 @@ TEST(ddate, TwentyUpperCaseCharacters) {
     // The rest of the hidden length is only upper-cased.
     EXPECT_EQ(std::string(buf.data() + 20, 10), std::string(10, 'X'));
     EXPECT_TRUE(buf.guard_intact('x'));
-
-    for (int size : {0, 1, 19}) {
-        SCOPED_TRACE(size);
-        Guarded cut(size, 'x');
-        ddate(cut.data(), size);
-        EXPECT_TRUE(cut.guard_intact('x'));
-    }
 }
 
 TEST(ovwait, SleepsTheGivenMilliseconds) {
@@ -530,6 +496,5 @@ TEST(ov_random, BetweenZeroAndOneOverTheWholeRange) {
 TEST(PlatformQueries, Sse2VersionAndRelease) {
     EXPECT_EQ(ov_sse2_support(), 1) << "every x86-64 processor has SSE2";
     EXPECT_EQ(ovWinVersion(), ovWIN_VERSION_NT);
-    EXPECT_EQ(static_cast<int>(ovWinVersion()), 2);
     ov_free_string(nullptr);
 }

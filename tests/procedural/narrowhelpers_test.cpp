@@ -1,7 +1,5 @@
 #include "ovra/ovNarrowHelpers.h"
 
-#include "procedural_test_support.h"
-
 #include "ut/utString.h"
 
 #include <gtest/gtest.h>
@@ -131,8 +129,4 @@ TEST(ovconcat, JoinsCountStringsIntoANewHeapString) {
     EXPECT_STREQ(joined(ovconcat(2, "x", static_cast<const char*>(nullptr))).get(), "x");
     EXPECT_STREQ(joined(ovconcat(0, "ignored")).get(), "");
     EXPECT_STREQ(joined(ovconcat(-2, "ignored")).get(), "");
-}
-
-TEST(ov_get_system_folder, NegativeNumbersGiveEmpty) {
-    EXPECT_EQ(ov_get_system_folder(static_cast<ovCSIDL>(-1)), "");
 }

@@ -9,6 +9,7 @@
 #include <fstream>
 #include <sstream>
 #include <string>
+#include <tuple>
 
 namespace proc_test {
 
@@ -74,41 +75,24 @@ inline std::string read_all(const std::string& path) {
     return s.str();
 }
 
+inline auto io_table() {
+    return std::tie(ov_the_open_func, ov_the_read_func, ov_the_write_func, ov_the_stat_func,
+                    ov_the_close_func, ov_the_tell_func, ov_the_lseek_func, ov_the_truncate_func,
+                    ov_the_commit_func, ov_the_unlink_func, ov_the_chmod_func, ov_the_isatty_func,
+                    ov_the_alt_handles, ov_the_stati64_func);
+}
+
+template <class... T> std::tuple<T...> copy_of(const std::tuple<T&...>& refs) {
+    return refs;
+}
+
 // Puts every table entry back as it was.
 class TableGuard {
 public:
-    ~TableGuard() {
-        ov_the_open_func = m_open;
-        ov_the_read_func = m_read;
-        ov_the_write_func = m_write;
-        ov_the_stat_func = m_stat;
-        ov_the_close_func = m_close;
-        ov_the_tell_func = m_tell;
-        ov_the_lseek_func = m_lseek;
-        ov_the_truncate_func = m_truncate;
-        ov_the_commit_func = m_commit;
-        ov_the_unlink_func = m_unlink;
-        ov_the_chmod_func = m_chmod;
-        ov_the_isatty_func = m_isatty;
-        ov_the_alt_handles = m_alt;
-        ov_the_stati64_func = m_stati64;
-    }
+    ~TableGuard() { io_table() = m_saved; }
 
 private:
-    ovOpenFunc m_open = ov_the_open_func;
-    ovReadFunc m_read = ov_the_read_func;
-    ovWriteFunc m_write = ov_the_write_func;
-    ovStatFunc m_stat = ov_the_stat_func;
-    ovCloseFunc m_close = ov_the_close_func;
-    ovTellFunc m_tell = ov_the_tell_func;
-    ovLseekFunc m_lseek = ov_the_lseek_func;
-    ovTruncateFunc m_truncate = ov_the_truncate_func;
-    ovCommitFunc m_commit = ov_the_commit_func;
-    ovUnlinkFunc m_unlink = ov_the_unlink_func;
-    ovChmodFunc m_chmod = ov_the_chmod_func;
-    ovIsattyFunc m_isatty = ov_the_isatty_func;
-    ovAltHandlesFunc m_alt = ov_the_alt_handles;
-    ovStati64Func m_stati64 = ov_the_stati64_func;
+    decltype(copy_of(io_table())) m_saved = io_table();
 };
 
 } // namespace proc_test

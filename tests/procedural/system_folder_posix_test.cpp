@@ -8,7 +8,7 @@
 
 using proc_test::ScopedEnv;
 
-TEST(ov_get_system_folder, MapsHomeAndXdgFoldersAndNothingElse) {
+TEST(ov_get_system_folder, MapsHomeAndXdgFoldersAndNothingElseNorWithoutHome) {
     ScopedEnv home("HOME", "/home/me");
     ScopedEnv config("XDG_CONFIG_HOME", "/cfg");
     ScopedEnv data("XDG_DATA_HOME", "relative/ignored");
@@ -34,10 +34,8 @@ TEST(ov_get_system_folder, MapsHomeAndXdgFoldersAndNothingElse) {
         SCOPED_TRACE(static_cast<int>(c.folder));
         EXPECT_EQ(ov_get_system_folder(c.folder), c.expected);
     }
-}
-
-TEST(ov_get_system_folder, NoHomeGivesEmpty) {
-    ScopedEnv home("HOME", nullptr);
+    ScopedEnv no_home("HOME", nullptr);
+    ScopedEnv no_config("XDG_CONFIG_HOME", nullptr);
     EXPECT_EQ(ov_get_system_folder(ovCSIDL_PROFILE), "");
     EXPECT_EQ(ov_get_system_folder(ovCSIDL_APPDATA), "");
 }
