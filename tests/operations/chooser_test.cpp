@@ -1,5 +1,7 @@
-// The chooser hands out one object per interface, the same from every chooser.
+// The chooser hands out one object per interface, the same from every chooser and from
+// every thread.
 #include "ovra/ovDynamicLibrary.h"
+#include "ovra/ovFileOperations.h"
 #include "ovra/ovFrustrumChooser.h"
 #include "ovra/ovStringEncoding.h"
 #include "ovra/ovSystemOperations.h"
@@ -7,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include <thread>
+#include <utility>
 #include <vector>
 
 TEST(FrustrumChooser, EveryChooserGivesTheSameObjects) {
@@ -18,20 +21,22 @@ TEST(FrustrumChooser, EveryChooserGivesTheSameObjects) {
     EXPECT_EQ(plain.process_environment_operations(),
               with_encoding.process_environment_operations());
     EXPECT_EQ(plain.synch_operations(), with_encoding.synch_operations());
-    EXPECT_EQ(plain.synch_operations(), plain.synch_operations());
+    EXPECT_EQ(plain.file_operations(), with_encoding.file_operations());
     EXPECT_NE(plain.synch_operations(), nullptr);
     EXPECT_NE(plain.library_loader_operations(), nullptr);
+    EXPECT_NE(plain.file_operations(), nullptr);
 }
 
 TEST(FrustrumChooser, ThreadsAskingAtOnceGetOneObject) {
-    std::vector<const void*> seen(8);
+    std::vector<std::pair<const void*, const void*>> seen(8);
     std::vector<std::thread> threads;
     for (size_t i = 0; i < seen.size(); ++i)
         threads.emplace_back([&seen, i] {
-            seen[i] = ovFrustrumChooser(nullptr).process_environment_operations().get();
+            const ovFrustrumChooser chooser(nullptr);
+            seen[i] = {chooser.process_environment_operations().get(), chooser.file_operations()};
         });
     for (std::thread& t : threads)
         t.join();
-    for (const void* p : seen)
+    for (const auto& p : seen)
         EXPECT_EQ(p, seen[0]);
 }

@@ -1,5 +1,6 @@
 // The chooser's defaults are this platform's own classes.
 #include "ovra/ovDynamicLibrary.h"
+#include "ovra/ovFileOperations.h"
 #include "ovra/ovFrustrumChooser.h"
 #include "ovra/ovSystemOperations.h"
 
@@ -19,4 +20,12 @@ TEST(FrustrumChooserWin, DefaultsAreTheWinClasses) {
                   chooser.process_environment_operations().get()),
               nullptr);
     EXPECT_NE(dynamic_cast<const ovWinSynchOperations*>(chooser.synch_operations()), nullptr);
+
+    const ovIFileOperations* files = chooser.file_operations();
+    EXPECT_NE(dynamic_cast<const ovWinFileOperations*>(files), nullptr);
+    EXPECT_NE(dynamic_cast<const ovWinReadMode*>(&files->read_mode()), nullptr);
+    EXPECT_NE(dynamic_cast<const ovWinRWMode*>(&files->rw_mode()), nullptr);
+    EXPECT_NE(dynamic_cast<const ovWinWriteMode*>(&files->write_mode()), nullptr);
+    ovIFileIteratorcoPrf it = files->iterator(ovPathName(ovString::literal(".")));
+    EXPECT_NE(dynamic_cast<ovWinFileIterator*>(it.get()), nullptr);
 }

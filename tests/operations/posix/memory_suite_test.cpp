@@ -8,10 +8,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 #include <map>
 #include <memory>
-#include <set>
 #include <stdio.h>
 #include <string>
 #include <vector>
@@ -20,13 +20,11 @@ using namespace ovtest;
 
 namespace {
 
-class MemoryFileOperations;
+// A file's bytes, shared with its open streams; a directory has none.
+using Bytes = std::shared_ptr<std::string>;
 
-// An open stream on one stored file; what it holds goes back to the store on close.
 struct MemoryStream {
-    const MemoryFileOperations* store;
-    std::string key;
-    std::string bytes;
+    Bytes bytes;
     size_t pos;
 };
 
@@ -34,35 +32,24 @@ class MemoryFileOperations final : public ovIFileOperations {
 public:
     explicit MemoryFileOperations(const std::string& root)
         : m_read(this, "rb"), m_rw(this, "r+b"), m_write(this, "wb") {
-        m_nodes[root] = Node{true, std::string()};
+        m_nodes[root] = nullptr;
     }
 
     ovPathType type_of_path(const ovPathName& p) const override {
-        if (key(p) == ".")
-            return ovPATH_DIRECTORY;
         const auto it = m_nodes.find(key(p));
-        if (it == m_nodes.end())
-            return ovPATH_DOESNT_EXIST;
-        return it->second.dir ? ovPATH_DIRECTORY : ovPATH_FILE;
+        if (key(p) == "." || (it != m_nodes.end() && !it->second))
+            return ovPATH_DIRECTORY;
+        return it == m_nodes.end() ? ovPATH_DOESNT_EXIST : ovPATH_FILE;
     }
     int remove_file(const ovPathName& p) const override {
-        const auto it = m_nodes.find(key(p));
-        if (it == m_nodes.end() || it->second.dir)
-            return 0;
-        m_nodes.erase(it);
-        return 1;
+        return type_of_path(p) == ovPATH_FILE && m_nodes.erase(key(p));
     }
     int create_directory(const ovPathName& p) const override {
-        if (!parent_is_directory(p) || m_nodes.count(key(p)))
-            return 0;
-        m_nodes[key(p)] = Node{true, std::string()};
-        return 1;
+        return parent_is_directory(p) && m_nodes.emplace(key(p), nullptr).second;
     }
     int delete_directory(const ovPathName& p) const override {
-        if (type_of_path(p) != ovPATH_DIRECTORY || !children(key(p)).empty())
-            return 0;
-        m_nodes.erase(key(p));
-        return 1;
+        return type_of_path(p) == ovPATH_DIRECTORY && children(key(p)).empty() &&
+               m_nodes.erase(key(p));
     }
     ovIFileIteratorcoPrf iterator(const ovPathName& p) const override;
     const ovIFileMode& read_mode() const override { return m_read; }
@@ -74,7 +61,7 @@ public:
         const std::string f = key(from), t = key(to);
         if (!m_nodes.count(f) || m_nodes.count(t) || !parent_is_directory(to))
             return ovStatus(0);
-        std::map<std::string, Node> moved;
+        std::map<std::string, Bytes> moved;
         for (auto it = m_nodes.begin(); it != m_nodes.end();) {
             if (it->first == f || it->first.compare(0, f.size() + 1, f + "/") == 0) {
                 moved[t + it->first.substr(f.size())] = it->second;
@@ -97,36 +84,7 @@ public:
         return out;
     }
 
-    // The stream calls.
-    FILE* open(const ovPathName& p, const std::string& mode) const {
-        const auto it = m_nodes.find(key(p));
-        const bool exists = it != m_nodes.end();
-        if (exists && it->second.dir)
-            return nullptr;
-        std::unique_ptr<MemoryStream> s(new MemoryStream{this, key(p), std::string(), 0});
-        if (mode == "wb") {
-            if (!parent_is_directory(p))
-                return nullptr;
-            m_nodes[s->key] = Node{false, std::string()};
-        } else {
-            if (!exists)
-                return nullptr;
-            s->bytes = it->second.bytes;
-        }
-        cookie_io_functions_t io = {&MemoryFileOperations::read, &MemoryFileOperations::write,
-                                    &MemoryFileOperations::seek, &MemoryFileOperations::close};
-        FILE* f = fopencookie(s.get(), mode.c_str(), io);
-        if (f)
-            s.release();
-        return f;
-    }
-
 private:
-    struct Node {
-        bool dir;
-        std::string bytes;
-    };
-
     class Mode final : public ovIFileMode {
     public:
         Mode(const MemoryFileOperations* ops, const char* mode) : m_ops(ops), m_mode(mode) {}
@@ -134,7 +92,7 @@ private:
 
     private:
         const MemoryFileOperations* m_ops;
-        std::string m_mode;
+        const char* m_mode;
     };
 
     static std::string key(const ovPathName& p) { return utf8_of(p.string()); }
@@ -142,18 +100,32 @@ private:
         return type_of_path(p.dirname()) == ovPATH_DIRECTORY;
     }
 
+    FILE* open(const ovPathName& p, const char* mode) const {
+        Bytes bytes;
+        if (mode[0] == 'w' && type_of_path(p) != ovPATH_DIRECTORY && parent_is_directory(p))
+            bytes = m_nodes[key(p)] = std::make_shared<std::string>();
+        else if (mode[0] == 'r' && type_of_path(p) == ovPATH_FILE)
+            bytes = m_nodes[key(p)];
+        if (!bytes)
+            return nullptr;
+        std::unique_ptr<MemoryStream> s(new MemoryStream{bytes, 0});
+        FILE* f = fopencookie(s.get(), mode, {&read, &write, &seek, &close});
+        if (f)
+            s.release();
+        return f;
+    }
+
     static ssize_t read(void* c, char* buf, size_t n) {
         MemoryStream* s = static_cast<MemoryStream*>(c);
-        const size_t k = s->pos < s->bytes.size() ? std::min(n, s->bytes.size() - s->pos) : 0;
-        std::memcpy(buf, s->bytes.data() + s->pos, k);
+        const size_t k = std::min(n, s->bytes->size() - std::min(s->pos, s->bytes->size()));
+        std::memcpy(buf, s->bytes->data() + s->pos, k);
         s->pos += k;
         return static_cast<ssize_t>(k);
     }
     static ssize_t write(void* c, const char* buf, size_t n) {
         MemoryStream* s = static_cast<MemoryStream*>(c);
-        if (s->bytes.size() < s->pos + n)
-            s->bytes.resize(s->pos + n);
-        std::memcpy(&s->bytes[s->pos], buf, n);
+        s->bytes->resize(std::max(s->bytes->size(), s->pos + n));
+        std::memcpy(&(*s->bytes)[s->pos], buf, n);
         s->pos += n;
         return static_cast<ssize_t>(n);
     }
@@ -161,7 +133,7 @@ private:
         MemoryStream* s = static_cast<MemoryStream*>(c);
         const off64_t base = whence == SEEK_SET   ? 0
                              : whence == SEEK_CUR ? static_cast<off64_t>(s->pos)
-                                                  : static_cast<off64_t>(s->bytes.size());
+                                                  : static_cast<off64_t>(s->bytes->size());
         if (base + *offset < 0)
             return -1;
         s->pos = static_cast<size_t>(base + *offset);
@@ -169,14 +141,11 @@ private:
         return 0;
     }
     static int close(void* c) {
-        std::unique_ptr<MemoryStream> s(static_cast<MemoryStream*>(c));
-        const auto it = s->store->m_nodes.find(s->key);
-        if (it != s->store->m_nodes.end() && !it->second.dir)
-            it->second.bytes = s->bytes;
+        delete static_cast<MemoryStream*>(c);
         return 0;
     }
 
-    mutable std::map<std::string, Node> m_nodes;
+    mutable std::map<std::string, Bytes> m_nodes;
     Mode m_read, m_rw, m_write;
 };
 
@@ -184,22 +153,20 @@ private:
 class MemoryIterator final : public ovIFileIterator {
 public:
     MemoryIterator(const ovPath& path, const MemoryFileOperations* ops)
-        : ovIFileIterator(path), m_ops(ops), m_invalid(path.is_directory() ? 0 : 1), m_open(false),
-          m_next(0) {}
+        : ovIFileIterator(path), m_ops(ops), m_invalid(path.is_directory() ? 0 : 1) {}
     int invalid() const override { return m_invalid; }
-    int undefined() const override { return m_open ? 0 : 1; }
+    int undefined() const override { return m_entries.empty() ? 1 : 0; }
     int get_next_file() override {
         if (m_invalid)
             return 0;
-        if (!m_open) {
+        if (m_entries.empty()) {
             m_entries = {".", ".."};
             for (const std::string& c : m_ops->children(utf8_of(listed_path().path_ov())))
                 m_entries.push_back(c);
-            m_open = true;
             m_next = 0;
         }
         if (m_next == m_entries.size()) {
-            m_open = false;
+            m_entries.clear();
             return 0;
         }
         set_current(ovFileName(utf8_text(m_entries[m_next++])));
@@ -209,9 +176,8 @@ public:
 private:
     const MemoryFileOperations* m_ops;
     int m_invalid;
-    bool m_open;
-    size_t m_next;
-    std::vector<std::string> m_entries;
+    size_t m_next = 0;
+    std::vector<std::string> m_entries; // empty when no listing is open
 };
 
 ovIFileIteratorcoPrf MemoryFileOperations::iterator(const ovPathName& p) const {

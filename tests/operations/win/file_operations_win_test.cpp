@@ -1,4 +1,4 @@
-// What only the Windows file operations do: their class, backslashed OS forms, a
+// What only the Windows file operations do: backslashed OS forms, a
 // rename that refuses an existing target, and the system's full paths.
 #include "ovra/ovFileOperations.h"
 #include "ovra/ovFrustrumChooser.h"
@@ -24,16 +24,6 @@ std::string contents(const fs::path& p) {
 }
 
 } // namespace
-
-TEST(ovWinFileOperations, IsWhatTheChooserGives) {
-    const ovIFileOperations* chosen = ovFrustrumChooser(nullptr).file_operations();
-    EXPECT_NE(dynamic_cast<const ovWinFileOperations*>(chosen), nullptr);
-    EXPECT_NE(dynamic_cast<const ovWinReadMode*>(&chosen->read_mode()), nullptr);
-    EXPECT_NE(dynamic_cast<const ovWinRWMode*>(&chosen->rw_mode()), nullptr);
-    EXPECT_NE(dynamic_cast<const ovWinWriteMode*>(&chosen->write_mode()), nullptr);
-    ovIFileIteratorcoPrf it = chosen->iterator(ovPathName(utf8_text(".")));
-    EXPECT_NE(dynamic_cast<ovWinFileIterator*>(it.get()), nullptr);
-}
 
 TEST(ovWinFileOperations, OsStyleUsesBackslashes) {
     const struct {
