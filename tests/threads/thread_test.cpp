@@ -7,8 +7,11 @@
 
 #include <atomic>
 #include <chrono>
+#include <functional>
+#include <memory>
 #include <stdexcept>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -22,41 +25,32 @@ void wait_until(const std::atomic<int>& flag) {
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
 }
 
-// Runs once the test opens its gate; counts its runs and its own destruction.
-class GatedTask final : public ovIThreadTask {
+// Runs the function it is given; counts its own destruction.
+class FnTask final : public ovIThreadTask {
 public:
-    GatedTask(std::atomic<int>& gate, std::atomic<int>& runs, std::atomic<int>& destroyed)
-        : m_gate(gate), m_runs(runs), m_destroyed(destroyed) {}
-    ~GatedTask() override { ++m_destroyed; }
-    void run() override {
-        wait_until(m_gate);
-        ++m_runs;
+    explicit FnTask(std::function<void()> fn, std::atomic<int>* destroyed = nullptr)
+        : m_fn(std::move(fn)), m_destroyed(destroyed) {}
+    ~FnTask() override {
+        if (m_destroyed)
+            ++*m_destroyed;
     }
+    void run() override { m_fn(); }
 
 private:
-    std::atomic<int>& m_gate;
-    std::atomic<int>& m_runs;
-    std::atomic<int>& m_destroyed;
-};
-
-template <class Thrown> class ThrowingTask final : public ovIThreadTask {
-public:
-    explicit ThrowingTask(Thrown thrown) : m_thrown(thrown) {}
-    void run() override {
-        started = 1;
-        throw m_thrown;
-    }
-    std::atomic<int> started{0};
-
-private:
-    Thrown m_thrown;
+    std::function<void()> m_fn;
+    std::atomic<int>* m_destroyed;
 };
 
 } // namespace
 
 TEST(Thread, TaskDroppedByItsCreatorStillRunsToTheEnd) {
     std::atomic<int> gate{0}, runs{0}, destroyed{0};
-    auto task = std::make_shared<GatedTask>(gate, runs, destroyed);
+    auto task = std::make_shared<FnTask>(
+        [&] {
+            wait_until(gate);
+            ++runs;
+        },
+        &destroyed);
     ovThread thread(task, thread_ops());
     task.reset();
     EXPECT_EQ(destroyed, 0) << "the native thread shares the task";
@@ -65,51 +59,49 @@ TEST(Thread, TaskDroppedByItsCreatorStillRunsToTheEnd) {
     EXPECT_EQ(runs, 1);
 }
 
-TEST(Thread, JoinAfterTheTaskFinishedReturns) {
-    std::atomic<int> gate{1}, runs{0}, destroyed{0};
-    ovThread thread(std::make_shared<GatedTask>(gate, runs, destroyed), thread_ops());
-    wait_until(runs);
-    thread.join();
-    thread.join();
-    EXPECT_EQ(runs, 1);
-}
-
-TEST(Thread, NullOperationsAskTheChooser) {
-    std::atomic<int> gate{1}, runs{0}, destroyed{0};
+TEST(Thread, NullOperationsAskTheChooserAndJoinMayBeRepeated) {
+    std::atomic<int> runs{0}, destroyed{0};
     {
-        ovThread thread(std::make_shared<GatedTask>(gate, runs, destroyed), nullptr);
+        ovThread thread(std::make_shared<FnTask>([&] { ++runs; }, &destroyed), nullptr);
+        wait_until(runs);
+        thread.join(); // after the task finished
         thread.join();
     }
     EXPECT_EQ(runs, 1);
     EXPECT_EQ(destroyed, 1);
 }
 
+TEST(Thread, StandardLibraryThreadRunsOnEveryPlatform) {
+    std::atomic<int> runs{0};
+    ovLinuxNativeThread thread(std::make_shared<FnTask>([&] { ++runs; }));
+    thread.join();
+    thread.join();
+    EXPECT_EQ(runs, 1);
+}
+
 TEST(Thread, NullTaskGivesNoThread) {
     EXPECT_EQ(thread_ops()->create_joinable_thread(nullptr), nullptr);
     ovThread thread(nullptr, thread_ops());
     thread.join(); // nothing to wait for
+    ovLinuxNativeThread none(nullptr);
+    none.join();
 }
 
 TEST(Thread, ThrowingTaskEndsItsThreadOnly) {
-    auto standard =
-        std::make_shared<ThrowingTask<std::runtime_error>>(std::runtime_error("from run"));
-    auto other = std::make_shared<ThrowingTask<int>>(7);
-    ovThread first(standard, thread_ops());
-    ovThread second(other, thread_ops());
+    std::atomic<int> started{0};
+    ovThread first(std::make_shared<FnTask>([&] {
+                       ++started;
+                       throw std::runtime_error("from run");
+                   }),
+                   thread_ops());
+    ovThread second(std::make_shared<FnTask>([&] {
+                        ++started;
+                        throw 7;
+                    }),
+                    thread_ops());
     first.join();
     second.join();
-    EXPECT_EQ(standard->started, 1);
-    EXPECT_EQ(other->started, 1);
-}
-
-TEST(Thread, StandardLibraryThreadRunsOnEveryPlatform) {
-    std::atomic<int> gate{1}, runs{0}, destroyed{0};
-    ovLinuxNativeThread thread(std::make_shared<GatedTask>(gate, runs, destroyed));
-    thread.join();
-    thread.join();
-    EXPECT_EQ(runs, 1);
-    ovLinuxNativeThread none(nullptr);
-    none.join();
+    EXPECT_EQ(started, 2);
 }
 
 TEST(CriticalSection, KeepsOtherThreadsOut) {

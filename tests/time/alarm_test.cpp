@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
@@ -165,9 +166,28 @@ TEST_F(AlarmTest, BookingChecksNullHandlerThenPeriodThenTheTable) {
     EXPECT_EQ(left, 86400);
 }
 
-TEST_F(AlarmTest, TheEleventhBookingHasNoRoomUntilOneIsCancelled) {
+TEST_F(AlarmTest, PrintShowsEveryEntryAndTheEleventhBookingWaitsForACancellation) {
+    ASSERT_EQ(ovAlarm::book_alarm_call(4, &handler<0>), ovALARM_BOOKING_OK);
+    std::ostringstream out;
+    ovAlarm::print(out);
+    const std::string text = out.str();
+    const std::string head = "ovAlarm {\n  the_signal_counter:  ";
+    ASSERT_EQ(text.rfind(head, 0), 0u) << text;
+    const int counter = std::stoi(text.substr(head.size()));
+    EXPECT_NE(text.find("\n  the_alarm_suspended: 0\n  the_alarm_on:        1\n"
+                        "  the_num_bookings:    1\n  the_bookings:        "),
+              std::string::npos)
+        << text;
+    std::ostringstream first;
+    first << " {\n    Booking 0 {\n      the_period:      4\n      the_handler:     "
+          << reinterpret_cast<const void*>(&handler<0>)
+          << "\n      the_next_signal: " << counter + 4 << "\n    }\n";
+    EXPECT_NE(text.find(first.str()), std::string::npos) << text;
+    EXPECT_NE(text.find("    Booking 9 {\n      FREE\n    }\n  }\n}\n"), std::string::npos);
+    EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 6 + 5 + 9 * 3 + 2) << text;
+
     EXPECT_EQ(ovAlarm::max_bookings(), 10);
-    for (int i = 0; i < 10; ++i)
+    for (int i = 1; i < 10; ++i)
         ASSERT_EQ(ovAlarm::book_alarm_call(10 + i, the_handlers[i]), ovALARM_BOOKING_OK) << i;
     EXPECT_EQ(ovAlarm::book_alarm_call(1, the_handlers[10]), ovALARM_BOOKING_NO_ROOM);
     EXPECT_EQ(ovAlarm::num_bookings(), 10);
@@ -177,12 +197,12 @@ TEST_F(AlarmTest, TheEleventhBookingHasNoRoomUntilOneIsCancelled) {
     ASSERT_EQ(ovAlarm::book_alarm_call(1, the_handlers[10]), ovALARM_BOOKING_OK);
 
     // The freed entry, the fourth, is the one taken.
-    std::ostringstream out;
-    ovAlarm::print(out);
+    std::ostringstream after;
+    ovAlarm::print(after);
     std::ostringstream entry;
     entry << "    Booking 3 {\n      the_period:      1\n      the_handler:     "
           << reinterpret_cast<const void*>(the_handlers[10]) << "\n";
-    EXPECT_NE(out.str().find(entry.str()), std::string::npos) << out.str();
+    EXPECT_NE(after.str().find(entry.str()), std::string::npos) << after.str();
 }
 
 TEST_F(AlarmTest, AHandlerOfPeriodThreeIsCalledOnEveryThirdTick) {
@@ -279,56 +299,28 @@ TEST_F(AlarmTest, AHandlerMayCancelAndBookItselfDuringItsCall) {
     EXPECT_EQ(take_calls(), (Calls{{99, ovALARM_SIGNAL}}));
 }
 
-TEST_F(AlarmTest, PrintShowsCountersFlagsAndEveryEntry) {
-    ASSERT_EQ(ovAlarm::book_alarm_call(4, &handler<0>), ovALARM_BOOKING_OK);
-    std::ostringstream out;
-    ovAlarm::print(out);
-    std::istringstream in(out.str());
-    std::vector<std::string> lines;
-    for (std::string line; std::getline(in, line);)
-        lines.push_back(line);
-    ASSERT_EQ(lines.size(), 6u + 3u + 2u + 9u * 3u + 2u) << out.str();
-    EXPECT_EQ(lines[0], "ovAlarm {");
-    EXPECT_EQ(lines[1].rfind("  the_signal_counter:  ", 0), 0u);
-    const int counter = std::stoi(lines[1].substr(23));
-    EXPECT_EQ(lines[2], "  the_alarm_suspended: 0");
-    EXPECT_EQ(lines[3], "  the_alarm_on:        1");
-    EXPECT_EQ(lines[4], "  the_num_bookings:    1");
-    EXPECT_EQ(lines[5].rfind("  the_bookings:        ", 0), 0u);
-    EXPECT_EQ(lines[5].substr(lines[5].size() - 2), " {");
-    std::ostringstream first;
-    first << "    Booking 0 {\n      the_period:      4\n      the_handler:     "
-          << reinterpret_cast<const void*>(&handler<0>)
-          << "\n      the_next_signal: " << counter + 4 << "\n    }\n";
-    EXPECT_NE(out.str().find(first.str()), std::string::npos) << out.str();
-    EXPECT_NE(out.str().find("    Booking 9 {\n      FREE\n    }\n  }\n}\n"), std::string::npos);
-}
-
-TEST_F(AlarmTest, EnumerationsPrintTheirNames) {
-    const std::pair<int, const char*> statuses[] = {
-        {0, "ovALARM_BOOKING_OK"},
-        {1, "ovALARM_BOOKING_NO_ROOM"},
-        {2, "ovALARM_BOOKING_BAD_PERIOD"},
-        {3, "ovALARM_BOOKING_NULL_HANDLER"},
-        {4, "ovALARM_BOOKING_ALREADY_BOOKED"},
-        {5, "unknown ovAlarmBookingStatus"},
-        {-1, "unknown ovAlarmBookingStatus"},
-    };
-    for (const auto& s : statuses) {
+TEST(Alarm, EnumerationsPrintTheirNames) {
+    const auto name = [](auto value) {
         std::ostringstream out;
-        out << static_cast<ovAlarmBookingStatus>(s.first);
-        EXPECT_EQ(out.str(), s.second);
-    }
-    const std::pair<int, const char*> infos[] = {
-        {0, "ovALARM_SIGNAL"},
-        {1, "ovALARM_SIGNAL_SUSPENDED"},
-        {2, "unknown ovAlarmHandlerInfo"},
+        out << value;
+        return out.str();
     };
-    for (const auto& i : infos) {
-        std::ostringstream out;
-        out << static_cast<ovAlarmHandlerInfo>(i.first);
-        EXPECT_EQ(out.str(), i.second);
-    }
+    const auto status = [](int n) { return static_cast<ovAlarmBookingStatus>(n); };
+    const auto info = [](int n) { return static_cast<ovAlarmHandlerInfo>(n); };
+    const std::pair<std::string, const char*> cases[] = {
+        {name(status(0)), "ovALARM_BOOKING_OK"},
+        {name(status(1)), "ovALARM_BOOKING_NO_ROOM"},
+        {name(status(2)), "ovALARM_BOOKING_BAD_PERIOD"},
+        {name(status(3)), "ovALARM_BOOKING_NULL_HANDLER"},
+        {name(status(4)), "ovALARM_BOOKING_ALREADY_BOOKED"},
+        {name(status(5)), "unknown ovAlarmBookingStatus"},
+        {name(status(-1)), "unknown ovAlarmBookingStatus"},
+        {name(info(0)), "ovALARM_SIGNAL"},
+        {name(info(1)), "ovALARM_SIGNAL_SUSPENDED"},
+        {name(info(2)), "unknown ovAlarmHandlerInfo"},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(c.first, c.second);
 }
 
 TEST_F(AlarmTest, TheTickerCallsItsFunctionEveryPeriodUntilStopped) {

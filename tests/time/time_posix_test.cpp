@@ -8,7 +8,6 @@
 TEST(HighResTimePosix, CountsNanosecondsOfTheMonotonicClock) {
     ovHighResTime clock;
     EXPECT_DOUBLE_EQ(ovHighResTime::time_increment(), 1e-9);
-    EXPECT_DOUBLE_EQ(ovHighResTime::wrap_interval(), 9223372036.854775808);
 
     timespec before, after;
     clock_gettime(CLOCK_MONOTONIC, &before);

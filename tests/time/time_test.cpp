@@ -1,11 +1,13 @@
-// The high-resolution clock, stopwatches, timers and the chronometer.
+// The high-resolution clock, stopwatches and timers.
 #include "ovra/ovHostUser.h"
 #include "ovra/ovTime.h"
 
-#include "clock_fixture.h"
+#include "time/time_os.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <cmath>
 #include <sstream>
@@ -13,31 +15,49 @@
 #include <thread>
 #include <vector>
 
-using ovtest::FakeClockTest;
-
 namespace {
 
-std::vector<std::string> lines_of(const std::string& text) {
-    std::vector<std::string> lines;
-    std::istringstream in(text);
-    for (std::string line; std::getline(in, line);)
-        lines.push_back(line);
-    return lines;
+// The wall clock reads a number the test sets, stepping it forward on every read if asked;
+// without_counter() makes the high-resolution clock read it too.
+std::atomic<double> the_wall_now{0.0};
+std::atomic<double> the_wall_step{0.0};
+std::atomic<int> the_wall_reads{0};
+
+double fake_wall_clock() {
+    ++the_wall_reads;
+    const double now = the_wall_now.load();
+    the_wall_now.store(now + the_wall_step.load());
+    return now;
 }
+
+class FakeClockTest : public testing::Test {
+protected:
+    void SetUp() override {
+        the_wall_now = 1000.0;
+        the_wall_step = 0.0;
+        the_wall_reads = 0;
+        ovra_internal::set_wall_clock_for_tests(&fake_wall_clock);
+    }
+    void TearDown() override {
+        ovra_internal::set_wall_clock_for_tests(nullptr);
+        ovra_internal::reinitialise_clock_for_tests(false);
+    }
+    // The high-resolution clock as a platform without a counter has it: it reads timedp,
+    // here the fake wall clock.
+    static void without_counter() { ovra_internal::reinitialise_clock_for_tests(true); }
+    static void set_now(double seconds) { the_wall_now = seconds; }
+};
 
 } // namespace
 
-TEST(HighResTime, UsesTheCounterAndWrapsAfterTwoToTheSixtyThirdTicks) {
+TEST(HighResTime, UsesTheCounterWrapsAfterTwoToTheSixtyThirdTicksAndNeverRunsBackwards) {
     ovHighResTime clock;
     EXPECT_EQ(ovHighResTime::have_real_time(), 1);
     const double increment = ovHighResTime::time_increment();
     EXPECT_GT(increment, 0.0);
     EXPECT_LE(increment, 1e-6) << "a performance counter ticks at least once a microsecond";
     EXPECT_DOUBLE_EQ(ovHighResTime::wrap_interval(), 9223372036854775808.0 * increment);
-}
 
-TEST(HighResTime, NeverRunsBackwards) {
-    ovHighResTime clock;
     double before = ovHighResTime::time();
     EXPECT_GT(before, 0.0);
     for (int i = 0; i < 100000; ++i) {
@@ -68,15 +88,17 @@ TEST(HighResTime, PrintShowsTheStateAndAFreshTime) {
     ovHighResTime clock;
     std::ostringstream out;
     ovHighResTime::print(out);
-    const std::vector<std::string> lines = lines_of(out.str());
-    ASSERT_EQ(lines.size(), 7u) << out.str();
-    EXPECT_EQ(lines[0], "ovHighResTime {");
-    EXPECT_EQ(lines[1], "the_have_real_time_flag is 1");
-    EXPECT_EQ(lines[2], "the_initialised_flag is 1");
-    EXPECT_EQ(lines[3].rfind("the_wrap_interval is ", 0), 0u) << lines[3];
-    EXPECT_EQ(lines[4].rfind("the_time_increment is ", 0), 0u) << lines[4];
-    EXPECT_EQ(lines[5].rfind("time() returned ", 0), 0u) << lines[5];
-    EXPECT_EQ(lines[6], "}");
+    const std::string text = out.str();
+    EXPECT_EQ(
+        text.rfind("ovHighResTime {\nthe_have_real_time_flag is 1\nthe_initialised_flag is 1\n"
+                   "the_wrap_interval is ",
+                   0),
+        0u)
+        << text;
+    EXPECT_NE(text.find("\nthe_time_increment is "), std::string::npos) << text;
+    EXPECT_NE(text.find("\ntime() returned "), std::string::npos) << text;
+    EXPECT_EQ(text.substr(text.size() - 3), "\n}\n") << text;
+    EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 7) << text;
 }
 
 TEST_F(FakeClockTest, WithoutACounterTheClockReadsTimedpInMilliseconds) {
@@ -138,7 +160,7 @@ TEST_F(FakeClockTest, StopwatchStateOneStartsStoppedAnyOtherTicking) {
         SCOPED_TRACE(testing::Message() << "state " << c.state);
         const ovStopwatch watch(static_cast<ovStopwatchState>(c.state));
         EXPECT_EQ(watch.ticking(), c.ticking);
-        set_now(ovtest::the_wall_now + 2.0);
+        set_now(the_wall_now + 2.0);
         EXPECT_DOUBLE_EQ(watch.ticking_seconds(), c.ticking ? 2.0 : 0.0);
     }
 }
@@ -180,18 +202,18 @@ TEST_F(FakeClockTest, TimerSplitsWholeSecondsIntoHoursMinutesSeconds) {
 
 TEST_F(FakeClockTest, TimerWaitSpinsUntilTheTimeHasPassed) {
     const ovTimer timer;
-    ovtest::the_wall_step = 0.25;
-    const double begin = ovtest::the_wall_now;
-    ovtest::the_wall_reads = 0;
+    the_wall_step = 0.25;
+    const double begin = the_wall_now;
+    the_wall_reads = 0;
     timer.wait(1.0);
-    EXPECT_GE(ovtest::the_wall_now - begin, 1.0);
-    EXPECT_EQ(ovtest::the_wall_reads, 5) << "the clock is read until a second has passed";
+    EXPECT_GE(the_wall_now - begin, 1.0);
+    EXPECT_EQ(the_wall_reads, 5) << "the clock is read until a second has passed";
 
     for (double seconds : {0.0, -1.0, std::nan("")}) {
         SCOPED_TRACE(seconds);
-        ovtest::the_wall_reads = 0;
+        the_wall_reads = 0;
         timer.wait(seconds);
-        EXPECT_LE(ovtest::the_wall_reads, 2) << "nothing to wait for";
+        EXPECT_LE(the_wall_reads, 2) << "nothing to wait for";
     }
 }
 
@@ -202,7 +224,6 @@ TEST(Stopwatch, MeasuresRealTimeOnTheCounter) {
     watch.stop();
     // A lower bound only: sleeping never takes less than asked.
     EXPECT_GE(watch.ticking_seconds(), 0.025);
-    EXPECT_LT(watch.ticking_seconds(), 3600.0);
 }
 
 TEST(Stopwatch, ManyThreadsMayReadOneWatch) {
@@ -235,10 +256,4 @@ TEST(Timer, FollowsTimedp) {
     EXPECT_GE(lapsed, 0.02);
     EXPECT_LE(lapsed, after - before + 1.0);
     EXPECT_EQ(h, 0);
-}
-
-TEST(Chronometer, InitialisesTheClock) {
-    const ovChronometer chronometer;
-    EXPECT_GT(ovHighResTime::wrap_interval(), 0.0);
-    EXPECT_GT(ovHighResTime::time(), 0.0);
 }
