@@ -78,19 +78,6 @@ TEST(ovWMI, NeedsTheCallersCom) {
     EXPECT_EQ("Instantiation of IWbemLocator failed", error);
 }
 
-TEST(ovProcessWow64Win, AgreesWithTheSystem) {
-    typedef BOOL(WINAPI * IsWow64)(HANDLE, PBOOL);
-    const IsWow64 fn = reinterpret_cast<IsWow64>(
-        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"kernel32"), "IsWow64Process")));
-    if (!fn)
-        GTEST_SKIP() << "this system has no IsWow64Process";
-    BOOL wow64 = TRUE;
-    ASSERT_TRUE(fn(GetCurrentProcess(), &wow64));
-    const ovProcessWow64 answer;
-    EXPECT_EQ(1, answer.ok());
-    EXPECT_EQ(wow64 ? 1 : 0, answer.is_wow_64());
-}
-
 TEST(ovProcessControlWin, IdAndPathAreTheSystems) {
     ovProcessControl control;
     EXPECT_EQ(static_cast<int>(GetCurrentProcessId()), control.getpid());
