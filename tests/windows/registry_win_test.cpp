@@ -30,11 +30,6 @@ std::wstring wide(const std::string& s) {
     return std::wstring(s.begin(), s.end());
 }
 
-std::string unique_name() {
-    return "ovraTest-" + std::to_string(GetCurrentProcessId()) + "-" +
-           std::to_string(GetTickCount());
-}
-
 // Whether the key is there in exactly the view given (KEY_WOW64_32KEY or _64KEY).
 bool in_view(HKEY root, const std::string& path, REGSAM view) {
     HKEY key;
@@ -56,7 +51,10 @@ void set_raw(HKEY root, const std::string& path, REGSAM view, const wchar_t* nam
 
 class RegistryTest : public testing::Test {
 protected:
-    void SetUp() override { base_ = "Software\\" + unique_name(); }
+    void SetUp() override {
+        base_ = "Software\\ovraTest-" + std::to_string(GetCurrentProcessId()) + "-" +
+                std::to_string(GetTickCount());
+    }
     void TearDown() override {
         RegDeleteTreeW(HKEY_CURRENT_USER, wide(base_).c_str());
         for (REGSAM view : {KEY_WOW64_32KEY, KEY_WOW64_64KEY}) {
