@@ -33,12 +33,6 @@ inline unsigned high8(V128 x) {
     return static_cast<unsigned>(_mm_movemask_epi8(x.v));
 }
 
-// Bytes at least `floor`, unsigned.
-inline unsigned at_least8(V128 x, unsigned char floor) {
-    const __m128i f = _mm_set1_epi8(static_cast<char>(floor));
-    return static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(_mm_max_epu8(x.v, f), x.v)));
-}
-
 inline unsigned equal8(V128 x, unsigned char b) {
     return static_cast<unsigned>(
         _mm_movemask_epi8(_mm_cmpeq_epi8(x.v, _mm_set1_epi8(static_cast<char>(b)))));
@@ -142,11 +136,6 @@ inline uint64_t sum32(V128 acc) {
     uint32_t lanes[4];
     _mm_storeu_si128(reinterpret_cast<__m128i*>(lanes), acc.v);
     return uint64_t(lanes[0]) + lanes[1] + lanes[2] + lanes[3];
-}
-
-inline V128 load32x4_from16(V128 x, bool high) {
-    const __m128i z = _mm_setzero_si128();
-    return {high ? _mm_unpackhi_epi16(x.v, z) : _mm_unpacklo_epi16(x.v, z)};
 }
 
 // The UTF-8 forms of four code points, bit by bit with at most 4 bytes: each
@@ -326,13 +315,6 @@ inline unsigned high8(V128 x) {
     return m;
 }
 
-inline unsigned at_least8(V128 x, unsigned char floor) {
-    unsigned m = 0;
-    for (int i = 0; i < 16; ++i)
-        m |= static_cast<unsigned>(x.b[i] >= floor) << i;
-    return m;
-}
-
 inline unsigned equal8(V128 x, unsigned char v) {
     unsigned m = 0;
     for (int i = 0; i < 16; ++i)
@@ -424,15 +406,6 @@ inline V128 add_above32(V128 acc, V128 x, uint32_t limit) {
 
 inline uint64_t sum32(V128 acc) {
     return uint64_t(acc.u32(0)) + acc.u32(1) + acc.u32(2) + acc.u32(3);
-}
-
-inline V128 load32x4_from16(V128 x, bool high) {
-    V128 r;
-    for (int i = 0; i < 4; ++i) {
-        const uint32_t u = x.u16(high ? 4 + i : i);
-        std::memcpy(r.b + 4 * i, &u, 4);
-    }
-    return r;
 }
 
 inline void utf8_words(V128 x, uint32_t* words, uint32_t* lens) {
