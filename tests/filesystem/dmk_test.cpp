@@ -26,26 +26,12 @@ std::string utf8(const fs::path& p) {
     return p.generic_u8string();
 }
 
-// A stream with only 32-bit positions: it keeps the interface's 64-bit fallbacks.
-class Narrow32 final : public ovIDMKFile {
+// The interface's own 64-bit fallbacks, over the stream's 32-bit positions.
+class Narrow32 final : public ovDMKFileStdio {
 public:
-    explicit Narrow32(FILE* f) : m_f(f) {}
-    int file_open() const override { return m_f ? 1 : 0; }
-    int seek(long offset, int origin) override { return std::fseek(m_f, offset, origin); }
-    int tell() override { return static_cast<int>(std::ftell(m_f)); }
-    int read(void* b, int s, int c) override {
-        return static_cast<int>(std::fread(b, static_cast<size_t>(s), static_cast<size_t>(c), m_f));
-    }
-    int write(const void* b, int s, int c) override {
-        return static_cast<int>(
-            std::fwrite(b, static_cast<size_t>(s), static_cast<size_t>(c), m_f));
-    }
-    void rewind() override { std::rewind(m_f); }
-    char* gets(char* b, int s) override { return std::fgets(b, s, m_f); }
-    int remove(const char* n) override { return std::remove(n); }
-
-private:
-    FILE* m_f;
+    using ovDMKFileStdio::ovDMKFileStdio;
+    int seek64(long long offset, int origin) override { return ovIDMKFile::seek64(offset, origin); }
+    long long tell64() override { return ovIDMKFile::tell64(); }
 };
 
 } // namespace

@@ -154,13 +154,9 @@ TEST(ovPath, CreateDirectoryFull) {
     EXPECT_TRUE(deep.create_directory_full());
     EXPECT_TRUE(fs::is_directory(dir.native("a/b/c/d")));
     EXPECT_TRUE(deep.create_directory_full()); // it exists
-    const struct {
-        const char* text;
-        int result;
-    } cases[] = {{".", 1}, {"", 1}, {"/", 1}};
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.text);
-        EXPECT_EQ(ovPath(utf8_text(c.text), nullptr, nullptr).create_directory_full(), c.result);
+    for (const char* existing : {".", "", "/"}) {
+        SCOPED_TRACE(existing);
+        EXPECT_EQ(ovPath(utf8_text(existing), nullptr, nullptr).create_directory_full(), 1);
     }
     // A root that is not there, an invalid path, a file on the way.
     EXPECT_FALSE(ovPath(ovPathName(), nullptr, nullptr).create_directory_full());

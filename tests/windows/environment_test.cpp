@@ -12,16 +12,15 @@ std::string text(const ovString& s) {
     return p ? p : "(null)";
 }
 
-TEST(ovEnvironmentVariables, DefaultInstancesShareTheProcessEnvironment) {
+TEST(ovEnvironmentVariables, DefaultInstancesShareTheProcessEnvironmentAndItsRefusals) {
     const ovString name = OVSTRING("OVRA_ENV_TEST_SHARED");
     ASSERT_TRUE(ovEnvironmentVariables(nullptr).put(name, OVSTRING("one two")));
     EXPECT_EQ("one two", text(ovEnvironmentVariables(nullptr).get(name)));
     ASSERT_TRUE(ovEnvironmentVariables(nullptr).put(name, OVSTRING("caf\xC3\xA9")));
     EXPECT_EQ("caf\xC3\xA9", text(ovEnvironmentVariables(nullptr).get(name)));
     EXPECT_EQ("", text(ovEnvironmentVariables(nullptr).get(OVSTRING("OVRA_ENV_TEST_UNSET"))));
-}
 
-TEST(ovEnvironmentVariables, RefusalsOfTheOperationsComeThrough) {
+    // The operations' refusals come through.
     ovEnvironmentVariables env(nullptr);
     EXPECT_FALSE(env.put(OVSTRING(""), OVSTRING("x")));
     EXPECT_FALSE(env.put(OVSTRING("A=B"), OVSTRING("x")));
@@ -119,24 +118,22 @@ TEST(ovICrypt, DecryptingStripsEveryTrailingZero) {
     EXPECT_EQ(std::string(3, '\0'), zeros);
 }
 
-TEST(ovICrypt, FailuresOfTheCipherAreReported) {
+TEST(ovICrypt, FailuresOfTheCipherAreReportedAndChangeNothing) {
     XorCrypt broken(8, false);
     std::string s("abc");
     EXPECT_FALSE(broken.encrypt_string(s));
     std::string t("abc\0", 4);
     EXPECT_FALSE(broken.decrypt_string(t));
     EXPECT_EQ(std::string("abc\0", 4), t); // nothing stripped
-}
 
-// A cipher that accepts no length at all gives up instead of searching forever.
-TEST(ovICrypt, ACipherThatTakesNoLengthIsRefused) {
+    // A cipher that accepts no length at all gives up instead of searching forever.
     class Never final : public XorCrypt {
     public:
         int num_encryptable(int length) const override { return length - 1; }
     } never;
-    std::string s("abc");
-    EXPECT_FALSE(never.encrypt_string(s));
-    EXPECT_EQ("abc", s);
+    std::string u("abc");
+    EXPECT_FALSE(never.encrypt_string(u));
+    EXPECT_EQ("abc", u);
     EXPECT_EQ(-1, never.seen);
 }
 

@@ -30,11 +30,6 @@ std::wstring wide(const std::string& s) {
     return std::wstring(s.begin(), s.end());
 }
 
-std::string unique_name() {
-    return "ovraTest-" + std::to_string(GetCurrentProcessId()) + "-" +
-           std::to_string(GetTickCount());
-}
-
 // Whether the key is there in exactly the view given (KEY_WOW64_32KEY or _64KEY).
 bool in_view(HKEY root, const std::string& path, REGSAM view) {
     HKEY key;
@@ -44,9 +39,22 @@ bool in_view(HKEY root, const std::string& path, REGSAM view) {
     return true;
 }
 
+// Writes a value past the library, in exactly the view given (0: the default one).
+void set_raw(HKEY root, const std::string& path, REGSAM view, const wchar_t* name, DWORD type,
+             const void* data, DWORD size) {
+    HKEY key;
+    ASSERT_EQ(ERROR_SUCCESS,
+              RegOpenKeyExW(root, wide(path).c_str(), 0, KEY_SET_VALUE | view, &key));
+    RegSetValueExW(key, name, 0, type, static_cast<const BYTE*>(data), size);
+    RegCloseKey(key);
+}
+
 class RegistryTest : public testing::Test {
 protected:
-    void SetUp() override { base_ = "Software\\" + unique_name(); }
+    void SetUp() override {
+        base_ = "Software\\ovraTest-" + std::to_string(GetCurrentProcessId()) + "-" +
+                std::to_string(GetTickCount());
+    }
     void TearDown() override {
         RegDeleteTreeW(HKEY_CURRENT_USER, wide(base_).c_str());
         for (REGSAM view : {KEY_WOW64_32KEY, KEY_WOW64_64KEY}) {
@@ -70,11 +78,7 @@ TEST_F(RegistryTest, ValuesGoInAndComeBackByType) {
     ASSERT_EQ(1, reg.set_value_data(at(), "e", ovREG_EXPAND_STRING, "%WINDIR%\\x"));
     ASSERT_EQ(1, reg.set_value_data(at(), "i", ovREG_INT, "-42"));
     const BYTE blob[3] = {1, 2, 3};
-    HKEY key;
-    ASSERT_EQ(ERROR_SUCCESS,
-              RegOpenKeyExW(HKEY_CURRENT_USER, wide(base_).c_str(), 0, KEY_SET_VALUE, &key));
-    RegSetValueExW(key, L"b", 0, REG_BINARY, blob, sizeof blob);
-    RegCloseKey(key);
+    set_raw(HKEY_CURRENT_USER, base_, 0, L"b", REG_BINARY, blob, sizeof blob);
 
     const struct {
         const char* name;
@@ -123,7 +127,7 @@ TEST_F(RegistryTest, ValuesGoInAndComeBackByType) {
     EXPECT_EQ(ovREG_OTHER, reg.value_type(at(), "s"));
 }
 
-TEST_F(RegistryTest, NumbersAreTruncatedAndNonNumbersWriteNothing) {
+TEST_F(RegistryTest, NumbersAreTruncatedAndBadInputWritesNothing) {
     ovRegistry reg(ovHKEY_CURRENT_USER);
     const struct {
         const char* text;
@@ -148,16 +152,13 @@ TEST_F(RegistryTest, NumbersAreTruncatedAndNonNumbersWriteNothing) {
         EXPECT_EQ(5, number); // untouched
     }
     EXPECT_EQ(0, reg.key_exists(at("fresh"))); // not even the key was made
-}
 
-TEST_F(RegistryTest, UnknownKindsAndMalformedTextWriteNothing) {
-    ovRegistry reg(ovHKEY_CURRENT_USER);
-    ASSERT_EQ(1, reg.create_key(at()));
+    // Unknown kinds and malformed text write nothing either.
     EXPECT_EQ(0, reg.set_value_data(at(), "v", ovREG_OTHER, "x"));
     EXPECT_EQ(0, reg.set_value_data(at(), "v", static_cast<ovValueType>(9), "x"));
     EXPECT_EQ(0, reg.set_value_data(at(), "v", ovREG_STRING, "bad \xFF"));
     EXPECT_EQ(0, reg.set_value_data(at(), "bad \xFF", ovREG_STRING, "x"));
-    EXPECT_EQ(nullptr, List(reg.value_list(at())));
+    EXPECT_EQ(std::vector<std::string>{"n"}, names(List(reg.value_list(at()))));
 }
 
 // A string of 1024 bytes or more does not fit the read buffer: it exists but cannot
@@ -292,7 +293,7 @@ protected:
     }
 };
 
-TEST_F(ViewsTest, KeysOfOneViewAreFoundWhereTheyLive) {
+TEST_F(ViewsTest, KeysOfOneViewAreFoundAndListedWhereTheyLive) {
     ovRegistry plain(ovHKEY_LOCAL_MACHINE);
     ovRegistry6432 both(ovHKEY_LOCAL_MACHINE);
     EXPECT_EQ(0, plain.key_exists(at("only32")));
@@ -307,10 +308,8 @@ TEST_F(ViewsTest, KeysOfOneViewAreFoundWhereTheyLive) {
     EXPECT_EQ(1, plain.key_exists(at("only32")));
     EXPECT_EQ(std::vector<std::string>{"child"}, names(List(plain.key_list(at("only32")))));
     EXPECT_EQ(std::vector<std::string>{"child"}, names(List(both.key_list(at("only32")))));
-}
 
-TEST_F(ViewsTest, MergedListHas64BitNamesFirstAndEachOnce) {
-    ovRegistry6432 both(ovHKEY_LOCAL_MACHINE);
+    // The merged list has the 64-bit names first and each name once.
     const std::vector<std::string> keys = names(List(both.key_list(at())));
     ASSERT_EQ(3u, keys.size());
     std::vector<std::string> first(keys.begin(), keys.begin() + 2);
@@ -322,15 +321,10 @@ TEST_F(ViewsTest, MergedListHas64BitNamesFirstAndEachOnce) {
 
 TEST_F(ViewsTest, ValuesOfEitherViewAreRead) {
     ovRegistry6432 both(ovHKEY_LOCAL_MACHINE);
-    HKEY key;
-    ASSERT_EQ(ERROR_SUCCESS, RegOpenKeyExW(HKEY_LOCAL_MACHINE, wide(base_ + "\\only32").c_str(), 0,
-                                           KEY_SET_VALUE | KEY_WOW64_32KEY, &key));
-    RegSetValueExW(key, L"v", 0, REG_SZ, reinterpret_cast<const BYTE*>(L"thirty-two"), 22);
-    RegCloseKey(key);
-    ASSERT_EQ(ERROR_SUCCESS, RegOpenKeyExW(HKEY_LOCAL_MACHINE, wide(base_ + "\\only64").c_str(), 0,
-                                           KEY_SET_VALUE | KEY_WOW64_64KEY, &key));
-    RegSetValueExW(key, L"v", 0, REG_SZ, reinterpret_cast<const BYTE*>(L"sixty-four"), 22);
-    RegCloseKey(key);
+    set_raw(HKEY_LOCAL_MACHINE, base_ + "\\only32", KEY_WOW64_32KEY, L"v", REG_SZ, L"thirty-two",
+            22);
+    set_raw(HKEY_LOCAL_MACHINE, base_ + "\\only64", KEY_WOW64_64KEY, L"v", REG_SZ, L"sixty-four",
+            22);
 
     utString text;
     EXPECT_EQ(1, both.value_data_utf8(at("only32"), "v", text));

@@ -22,12 +22,15 @@ protected:
     void TearDown() override { CoUninitialize(); }
 };
 
-TEST_F(WmiTest, ReadsTheOperatingSystemsCaption) {
+TEST_F(WmiTest, ReadsTextAndNumbers) {
     utString error("untouched");
     const utString caption = ovWMI::value("Win32_OperatingSystem", "Caption", error);
-    EXPECT_FALSE(caption.empty());
     EXPECT_NE(nullptr, std::strstr(caption.c_str(), "Windows")) << caption.c_str();
     EXPECT_EQ("untouched", error);
+    // Numbers come back as their decimal text.
+    const utString type = ovWMI::value("Win32_OperatingSystem", "OSType", error);
+    ASSERT_FALSE(type.empty()) << error.c_str();
+    EXPECT_EQ(std::strspn(type.c_str(), "0123456789"), type.length()) << type.c_str();
 }
 
 TEST_F(WmiTest, EachFailingStepHasItsMessage) {
@@ -46,14 +49,6 @@ TEST_F(WmiTest, EachFailingStepHasItsMessage) {
         EXPECT_EQ("", ovWMI::value(c.class_name, c.property, error));
         EXPECT_STREQ(c.error, error.c_str());
     }
-}
-
-// Numbers come back as their decimal text.
-TEST_F(WmiTest, NonTextPropertiesAreConverted) {
-    utString error;
-    const utString type = ovWMI::value("Win32_OperatingSystem", "OSType", error);
-    ASSERT_FALSE(type.empty()) << error.c_str();
-    EXPECT_EQ(std::strspn(type.c_str(), "0123456789"), type.length()) << type.c_str();
 }
 
 // A property that exists but holds nothing is a failure, not an empty text.
@@ -81,19 +76,6 @@ TEST(ovWMI, NeedsTheCallersCom) {
     std::thread([&] { result = ovWMI::value("Win32_OperatingSystem", "Caption", error); }).join();
     EXPECT_EQ("", result);
     EXPECT_EQ("Instantiation of IWbemLocator failed", error);
-}
-
-TEST(ovProcessWow64Win, AgreesWithTheSystem) {
-    typedef BOOL(WINAPI * IsWow64)(HANDLE, PBOOL);
-    const IsWow64 fn = reinterpret_cast<IsWow64>(
-        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"kernel32"), "IsWow64Process")));
-    if (!fn)
-        GTEST_SKIP() << "this system has no IsWow64Process";
-    BOOL wow64 = TRUE;
-    ASSERT_TRUE(fn(GetCurrentProcess(), &wow64));
-    const ovProcessWow64 answer;
-    EXPECT_EQ(1, answer.ok());
-    EXPECT_EQ(wow64 ? 1 : 0, answer.is_wow_64());
 }
 
 TEST(ovProcessControlWin, IdAndPathAreTheSystems) {
@@ -156,34 +138,26 @@ protected:
     utString path_;
 };
 
-TEST_F(ActCtxTest, ActivationPutsTheManifestInForce) {
-    ovActivationContext context(path_);
-    EXPECT_FALSE(manifest_active());
-    context.activate();
-    EXPECT_TRUE(manifest_active());
-    context.deactivate();
-    EXPECT_FALSE(manifest_active());
-    context.deactivate(); // nothing held: nothing happens
-    EXPECT_FALSE(manifest_active());
-}
-
-// A second activate() undoes the first, so one deactivate() leaves nothing behind.
-TEST_F(ActCtxTest, ActivatingTwiceStacksOnce) {
-    ovActivationContext context(path_);
-    context.activate();
-    context.activate();
-    EXPECT_TRUE(manifest_active());
-    context.deactivate();
-    EXPECT_FALSE(manifest_active());
-}
-
-TEST_F(ActCtxTest, DestructionDeactivates) {
+TEST_F(ActCtxTest, ActivationPutsTheManifestInForceOnce) {
     {
         ovActivationContext context(path_);
+        EXPECT_FALSE(manifest_active());
         context.activate();
         EXPECT_TRUE(manifest_active());
+        context.deactivate();
+        EXPECT_FALSE(manifest_active());
+        context.deactivate(); // nothing held: nothing happens
+        EXPECT_FALSE(manifest_active());
+
+        // A second activate() undoes the first, so one deactivate() leaves nothing behind.
+        context.activate();
+        context.activate();
+        EXPECT_TRUE(manifest_active());
+        context.deactivate();
+        EXPECT_FALSE(manifest_active());
+        context.activate();
     }
-    EXPECT_FALSE(manifest_active());
+    EXPECT_FALSE(manifest_active()); // destruction deactivates
 }
 
 TEST_F(ActCtxTest, BecomingNothingOrAMissingModuleLeavesNoContext) {
