@@ -315,6 +315,26 @@ void check_conversion(size_t (ConvertUTF::*f)(const In*, size_t, Out*, size_t) c
     }
 }
 
+// Up to max_pieces pieces, mostly fewer. The first ascii_count good pieces are
+// ASCII and some texts are mostly those; with broken given, about one piece in
+// broken_one_in is broken.
+template <class Str, size_t G, size_t B>
+Str random_pieces(std::mt19937& rng, const Str (&good)[G], unsigned ascii_count,
+                  const Str (*broken)[B], unsigned broken_one_in, unsigned max_pieces) {
+    Str s;
+    const unsigned pieces = rng() % 3 ? rng() % 40 : rng() % max_pieces;
+    const unsigned ascii_weight = rng() % 4;
+    for (unsigned i = 0; i < pieces; ++i) {
+        if (broken && rng() % broken_one_in == 0)
+            s += (*broken)[rng() % B];
+        else if (rng() % 4 < ascii_weight)
+            s += good[rng() % ascii_count];
+        else
+            s += good[rng() % G];
+    }
+    return s;
+}
+
 // Text built from pieces: runs of ASCII long enough to fill whole vector
 // blocks, characters of every length, and (when bad is set) every kind of
 // broken sequence, including 0 units inside the text.
@@ -333,18 +353,7 @@ std::string random_utf8(std::mt19937& rng, bool bad) {
         "\xC3",         "\xED\xA0\x80",     "\x81\x82",          "\xF8\x88",
         "\xE0\x80\x80", "\xF0\x8F\xBF\xBF", "\xF4\x90\x80\x80",  "\xC1\xBF",
         "\xF5\x80",     "\xE2\x82",         std::string(1, '\0')};
-    std::string s;
-    const int pieces = static_cast<int>(rng() % 3 ? rng() % 40 : rng() % 300);
-    const int ascii_weight = static_cast<int>(rng() % 4); // some texts are mostly ASCII
-    for (int i = 0; i < pieces; ++i) {
-        if (bad && rng() % 16 == 0)
-            s += broken[rng() % 11];
-        else if (static_cast<int>(rng() % 4) < ascii_weight)
-            s += good[rng() % 3];
-        else
-            s += good[rng() % 10];
-    }
-    return s;
+    return random_pieces(rng, good, 3, bad ? &broken : nullptr, 16, 300);
 }
 
 u16string random_utf16(std::mt19937& rng, bool bad) {
@@ -360,18 +369,7 @@ u16string random_utf16(std::mt19937& rng, bool bad) {
                                      u16({0xDBFF, 0xDFFF})};
     static const u16string broken[] = {u16({0xD800}), u16({0xDC00}), u16({0xDC00, 0xDFFF}),
                                        u16({0xDBFF, 'x'}), u16({0})};
-    u16string s;
-    const int pieces = static_cast<int>(rng() % 3 ? rng() % 40 : rng() % 200);
-    const int ascii_weight = static_cast<int>(rng() % 4);
-    for (int i = 0; i < pieces; ++i) {
-        if (bad && rng() % 12 == 0)
-            s += broken[rng() % 5];
-        else if (static_cast<int>(rng() % 4) < ascii_weight)
-            s += good[rng() % 2];
-        else
-            s += good[rng() % 9];
-    }
-    return s;
+    return random_pieces(rng, good, 2, bad ? &broken : nullptr, 12, 200);
 }
 
 } // namespace
